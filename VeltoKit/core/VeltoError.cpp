@@ -1,0 +1,32 @@
+#include "VeltoKit/core/VeltoError.h"
+
+namespace velto {
+
+VeltoError::VeltoError(QString description)
+    : m_description(std::move(description))
+    , m_utf8(m_description.toUtf8())
+{
+}
+
+const char* VeltoError::what() const noexcept
+{
+    return m_utf8.constData();
+}
+
+QString Cancelled::description() const
+{
+    return QStringLiteral("Operación cancelada.");
+}
+
+const char* Cancelled::what() const noexcept
+{
+    return "Operación cancelada.";
+}
+
+void throwIfStopped(const std::stop_token& stop)
+{
+    if (stop.stop_requested())
+        throw Cancelled();
+}
+
+} // namespace velto

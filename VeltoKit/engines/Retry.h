@@ -1,0 +1,47 @@
+#pragma once
+
+#include <chrono>
+#include <cstdlib>
+#include <exception>
+#include <functional>
+#include <stop_token>
+
+#include "VeltoKit/engines/TranslationError.h"
+
+namespace velto::Retry {
+
+// Waits between attempts; tests inject one that records instead of sleeping.
+using Wait = std::function<void(std::chrono::seconds, std::stop_token)>;
+
+// Sleeps, waking early when a stop is requested.
+void cancellableWait(std::chrono::seconds duration, std::stop_token stop);
+
+// The pause after the failure of attempt number `attempt` (0-based): 1, 2, 4, 8, 16, 16... s.
+std::chrono::seconds backoffDelay(int attempt);
+
+// Calls operation(attempt) up to `attempts` times. A fatal TranslationError ends the loop at
+// once; any other error is retried after a back-off, and the last one is rethrown unchanged.
+// An interrupted wait is not an error: the next attempt surfaces the cancellation.
+template <typename Operation>
+auto withBackoff(int attempts, Operation&& operation, std::stop_token stop = {},
+                 const Wait& wait = cancellableWait) -> decltype(operation(0))
+{
+    if (attempts < 0)
+        std::abort();
+    if (attempts == 0)
+        throw TranslationError(QStringLiteral("Fallo desconocido"), false);
+    for (int attempt = 0;; ++attempt) {
+        try {
+            return operation(attempt);
+        } catch (const TranslationError& error) {
+            if (error.fatal() || attempt == attempts - 1)
+                throw;
+        } catch (...) {
+            if (attempt == attempts - 1)
+                throw;
+        }
+        wait(backoffDelay(attempt), stop);
+    }
+}
+
+} // namespace velto::Retry

@@ -1,0 +1,31 @@
+#include <gtest/gtest.h>
+
+#include "VeltoKit/core/TextTrim.h"
+#include "VeltoKit/media/ShellError.h"
+#include "VeltoKit/platform/PlatformText.h"
+
+using namespace velto;
+
+TEST(TextTrim, TrailingTrimRemovesUnicodeWhitespaceOnlyAtTheEnd)
+{
+    EXPECT_EQ(trimTrailingWhitespace(u"  hola \t\u00a0\u3000\n"), QStringLiteral("  hola"));
+    EXPECT_EQ(trimTrailingWhitespace(u" \n "), QString());
+    EXPECT_EQ(trimSpacesAndTabs(u"\t a b \t"), QStringLiteral("a b"));
+    EXPECT_EQ(trimSpacesAndTabs(u"\na\n"), QStringLiteral("\na\n"));
+}
+
+TEST(PlatformText, MacWordingIsTheReferenceAndOtherSystemsGetTheirOwn)
+{
+    using PlatformText::System;
+    EXPECT_EQ(PlatformText::installFfmpeg(System::macOS), QStringLiteral("brew install ffmpeg"));
+    EXPECT_EQ(PlatformText::installFfmpeg(System::gnuLinux),
+              QStringLiteral("sudo apt install ffmpeg"));
+    EXPECT_EQ(PlatformText::keychainName(System::macOS), QStringLiteral("el Llavero de macOS"));
+    EXPECT_EQ(PlatformText::revealInFileBrowser(System::macOS),
+              QStringLiteral("Mostrar en Finder"));
+    EXPECT_EQ(ShellError::notFound(QStringLiteral("ffprobe")).description(),
+              QStringLiteral("No encuentro «ffprobe». Instalalo con: ") +
+                  PlatformText::installFfmpeg());
+    EXPECT_EQ(ShellError::failed(QStringLiteral("ffmpeg"), 1, QStringLiteral("boom")).description(),
+              QStringLiteral("ffmpeg falló (código 1):\nboom"));
+}
