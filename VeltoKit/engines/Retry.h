@@ -21,11 +21,11 @@ std::chrono::seconds backoffDelay(int attempt);
 
 // Calls operation(attempt) up to `attempts` times. A fatal TranslationError ends the loop at
 // once; any other error is retried after a back-off, and the last one is rethrown unchanged.
-// An interrupted wait is not an error: the next attempt surfaces the cancellation.
+// `stop` cuts a wait short; an interrupted wait is not an error, the next attempt surfaces the
+// cancellation.
 template <typename Operation>
-auto withBackoff(int attempts, Operation&& operation, std::stop_token stop = {},
-                 const Wait& wait = cancellableWait) -> decltype(operation(0))
-{
+auto withBackoff(int attempts, Operation&& operation, std::stop_token stop,
+                 const Wait& wait = cancellableWait) -> decltype(operation(0)) {
     if (attempts < 0)
         std::abort();
     if (attempts == 0)

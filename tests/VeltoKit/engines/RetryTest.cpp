@@ -13,16 +13,14 @@ namespace {
 
 struct RecordedWaits {
     std::vector<std::chrono::seconds> waits;
-    Retry::Wait wait()
-    {
+    Retry::Wait wait() {
         return [this](std::chrono::seconds d, std::stop_token) { waits.push_back(d); };
     }
 };
 
 } // namespace
 
-TEST(Retry, RetriesNonFatalFailuresWithDoublingWaitsAndRethrowsTheLast)
-{
+TEST(Retry, RetriesNonFatalFailuresWithDoublingWaitsAndRethrowsTheLast) {
     RecordedWaits recorded;
     std::vector<int> attempts;
     try {
@@ -42,8 +40,7 @@ TEST(Retry, RetriesNonFatalFailuresWithDoublingWaitsAndRethrowsTheLast)
     EXPECT_EQ(recorded.waits, (std::vector<std::chrono::seconds>{1s, 2s, 4s}));
 }
 
-TEST(Retry, FatalErrorStopsAtOnceAndSuccessReturnsItsValue)
-{
+TEST(Retry, FatalErrorStopsAtOnceAndSuccessReturnsItsValue) {
     RecordedWaits recorded;
     int calls = 0;
     EXPECT_THROW(Retry::withBackoff(
@@ -69,10 +66,9 @@ TEST(Retry, FatalErrorStopsAtOnceAndSuccessReturnsItsValue)
     EXPECT_EQ(recorded.waits, (std::vector<std::chrono::seconds>{1s, 2s}));
 }
 
-TEST(Retry, ZeroAttemptsIsAnUnknownFailureAndTheCapIsSixteenSeconds)
-{
+TEST(Retry, ZeroAttemptsIsAnUnknownFailureAndTheCapIsSixteenSeconds) {
     try {
-        Retry::withBackoff(0, [](int) { return 1; });
+        Retry::withBackoff(0, [](int) { return 1; }, {});
         FAIL();
     } catch (const TranslationError& error) {
         EXPECT_EQ(error.message(), QStringLiteral("Fallo desconocido"));
@@ -83,8 +79,7 @@ TEST(Retry, ZeroAttemptsIsAnUnknownFailureAndTheCapIsSixteenSeconds)
     EXPECT_EQ(Retry::backoffDelay(9), 16s);
 }
 
-TEST(Retry, CancellableWaitReturnsAtOnceWhenStopped)
-{
+TEST(Retry, CancellableWaitReturnsAtOnceWhenStopped) {
     std::stop_source source;
     source.request_stop();
     const auto start = std::chrono::steady_clock::now();
@@ -92,17 +87,42 @@ TEST(Retry, CancellableWaitReturnsAtOnceWhenStopped)
     EXPECT_LT(std::chrono::steady_clock::now() - start, 60s);
 }
 
+TEST(Retry, WaitsHearTheStopAndTheNextAttemptReportsTheCancellation) {
+    std::stop_source source;
+    source.request_stop();
+    std::vector<int> attempts;
+    std::vector<bool> waitsStopped;
+    EXPECT_THROW(Retry::withBackoff(
+                     3,
+                     [&](int attempt) -> int {
+                         attempts.push_back(attempt);
+                         throwIfStopped(source.get_token());
+                         return attempt;
+                     },
+                     source.get_token(),
+                     [&](std::chrono::seconds, std::stop_token stop) {
+                         waitsStopped.push_back(stop.stop_requested());
+                     }),
+                 Cancelled);
+    EXPECT_EQ(attempts, (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ(waitsStopped, (std::vector<bool>{true, true}));
+
+    RecordedWaits recorded;
+    EXPECT_THROW(Retry::withBackoff(
+                     1, [](int) -> int { throw TranslationError(QStringLiteral("x"), false); }, {},
+                     recorded.wait()),
+                 TranslationError);
+    EXPECT_TRUE(recorded.waits.empty());
+}
+
 namespace {
 
 class ScriptedBackend : public TranslationBackend {
 public:
     explicit ScriptedBackend(QString answer)
-        : m_answer(std::move(answer))
-    {
-    }
+        : m_answer(std::move(answer)) {}
     QString label() const override { return QStringLiteral("guion"); }
-    QString complete(const QString&, const QString&, std::stop_token) const override
-    {
+    QString complete(const QString&, const QString&, std::stop_token) const override {
         return m_answer;
     }
 
@@ -112,8 +132,7 @@ private:
 
 } // namespace
 
-TEST(TranslationBackend, DefaultPreflightAcceptsAnyPongAndRejectsTheRestFatally)
-{
+TEST(TranslationBackend, DefaultPreflightAcceptsAnyPongAndRejectsTheRestFatally) {
     EXPECT_NO_THROW(ScriptedBackend(QStringLiteral("pong.")).preflight({}));
     EXPECT_NO_THROW(ScriptedBackend(QStringLiteral("Claro: PONG\n")).preflight({}));
     try {

@@ -1,0 +1,287 @@
+#include "VeltoKit/translation/Translator.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <mutex>
+#include <numeric>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include <QRegularExpression>
+
+#include "VeltoKit/core/VeltoError.h"
+#include "VeltoKit/engines/TranslationBackend.h"
+#include "VeltoKit/engines/TranslationError.h"
+#include "VeltoKit/translation/BlockProtocol.h"
+#include "VeltoKit/translation/TranslationCache.h"
+#include "VeltoKit/translation/TranslatorState.h"
+
+namespace velto {
+
+// What the worker threads of one translateAll share.
+struct Translator::Run {
+    Run(const QStringList& texts, const ProgressHandler& onProgress, std::stop_token callerStop)
+        : texts(texts)
+        , results(texts.cbegin(), texts.cend())
+        , state(texts.size(), onProgress)
+        , followCaller(std::move(callerStop), [this] { stopSource.request_stop(); }) {}
+
+    const QStringList& texts;
+    // One slot per text, written only by the worker that owns its batch.
+    std::vector<QString> results;
+    // Cache key per text; empty without a cache.
+    std::vector<QString> keys;
+    TranslatorState state;
+    // Stopped by the caller or by the first fatal error, which halts every sibling batch.
+    std::stop_source stopSource;
+    std::stop_callback<std::function<void()>> followCaller;
+};
+
+namespace {
+
+QString systemPromptFor(const QString& sourceLanguage, SpanishVariant variant) {
+    return QStringLiteral(
+               "Sos un traductor profesional de subtítulos para cine y series. Traducís del ") +
+           sourceLanguage +
+           QStringLiteral(
+               " al español.\n\nRecibís bloques numerados con marcadores de la forma #@#N#@#. "
+               "Cada bloque es un subtítulo que aparece en pantalla durante un tiempo fijo.\n\n"
+               "REGLAS ABSOLUTAS:\n"
+               "1. Devolvé EXACTAMENTE la misma cantidad de bloques, con los mismos marcadores "
+               "#@#N#@# en el mismo orden, cada marcador solo en su propia línea.\n"
+               "2. No fusiones ni dividas bloques. El bloque N traducido corresponde uno a uno "
+               "con el bloque N original, porque cada uno tiene su propio timestamp.\n"
+               "3. Conservá los saltos de línea internos de cada bloque.\n"
+               "4. Conservá tal cual, sin traducir ni reordenar, cualquier marca de la forma "
+               "⟪0⟫, ⟪1⟫, etc. Son etiquetas de formato y deben quedar en la misma posición "
+               "relativa al texto que envuelven.\n"
+               "5. Conservá las etiquetas HTML (<i>, </i>, <b>, <font ...>) y los guiones de "
+               "diálogo iniciales.\n"
+               "6. Si un bloque es una descripción de sonido entre corchetes ([música tensa], "
+               "[ladra]) o una etiqueta de hablante ([JUAN]), traducila también, manteniendo "
+               "los corchetes.\n"
+               "7. No agregues comentarios, encabezados, explicaciones ni comillas. Solo los "
+               "bloques traducidos.\n\n"
+               "CRITERIO DE TRADUCCIÓN:\n"
+               "- Registro: ") +
+           dialectDescription(variant) +
+           QStringLiteral(".\n- Natural y hablado, no literal. Que suene a doblaje bien hecho.\n"
+                          "- Breve: un subtítulo se lee en pocos segundos. No alargues.\n"
+                          "- Mantené el tono (formal/informal, insultos, humor, jerga técnica).\n"
+                          "- Nombres propios, marcas y siglas no se traducen.\n"
+                          "- Si un bloque ya está en español, devolvelo igual.");
+}
+
+// The ASS override placeholders (⟪0⟫) and HTML-like style tags of a text, in order.
+QStringList formattingMarks(const QString& text) {
+    static const QRegularExpression mark(QStringLiteral("⟪\\d+⟫|</?[A-Za-z][^<>]*>"),
+                                         QRegularExpression::UseUnicodePropertiesOption);
+    QStringList marks;
+    for (const QRegularExpressionMatch& match : mark.globalMatch(text))
+        marks.append(match.captured(0));
+    return marks;
+}
+
+} // namespace
+
+Translator::Translator(std::shared_ptr<const TranslationBackend> backend, QString sourceLanguage,
+                       SpanishVariant variant, qint64 batchSize, qint64 contextLines,
+                       qint64 concurrency, std::shared_ptr<TranslationCache> cache)
+    : m_backend(std::move(backend))
+    , m_sourceLanguage(std::move(sourceLanguage))
+    , m_variant(variant)
+    , m_batchSize(batchSize)
+    , m_contextLines(contextLines)
+    , m_concurrency(concurrency)
+    , m_cache(std::move(cache))
+    , m_systemPrompt(systemPromptFor(m_sourceLanguage, m_variant)) {
+    if (!m_backend || m_batchSize < 1 || m_contextLines < 0 || m_concurrency < 1)
+        throw std::invalid_argument("Translator needs a backend, batches and workers");
+}
+
+QString Translator::prompt(const QStringList& texts, const QList<qsizetype>& indices) const {
+    const qsizetype first = indices.first();
+    const qsizetype contextStart = std::max<qsizetype>(0, first - m_contextLines);
+    const QString count = QString::number(indices.size());
+    QStringList sections;
+    if (contextStart < first) {
+        sections.append(QStringLiteral("CONTEXTO PREVIO (líneas anteriores en el idioma original; "
+                                       "NO las traduzcas ni las incluyas en la respuesta, son "
+                                       "solo para que entiendas la escena):\n") +
+                        texts.mid(contextStart, first - contextStart).join(u'\n') + u'\n');
+    }
+    sections.append(QStringLiteral("Traducí los siguientes ") + count +
+                    QStringLiteral(" bloques. Devolvé los ") + count +
+                    QStringLiteral(" bloques con sus marcadores #@#N#@#, nada más.\n"));
+    QList<std::pair<int, QString>> blocks;
+    blocks.reserve(indices.size());
+    for (qsizetype k = 0; k < indices.size(); ++k)
+        blocks.append({static_cast<int>(k + 1), texts[indices[k]]});
+    sections.append(BlockProtocol::header() + u'\n' + BlockProtocol::build(blocks));
+    return sections.join(u'\n');
+}
+
+Translator::Result Translator::translateAll(const QStringList& texts,
+                                            const ProgressHandler& onProgress,
+                                            std::stop_token stop) const {
+    if (texts.isEmpty())
+        return {};
+    Run run(texts, onProgress, std::move(stop));
+    const QList<qsizetype> pending = answerFromCache(run);
+    QList<QList<qsizetype>> batches;
+    for (qsizetype start = 0; start < pending.size(); start += m_batchSize)
+        batches.append(pending.mid(start, m_batchSize));
+    runBatches(run, batches);
+    return {QStringList(run.results.cbegin(), run.results.cend()), run.state.warnings(),
+            run.state.progress()};
+}
+
+QList<qsizetype> Translator::answerFromCache(Run& run) const {
+    QList<qsizetype> pending;
+    if (!m_cache) {
+        pending.resize(run.texts.size());
+        std::iota(pending.begin(), pending.end(), 0);
+        run.state.report();
+        return pending;
+    }
+    qint64 hits = 0;
+    run.keys.reserve(run.texts.size());
+    for (qsizetype position = 0; position < run.texts.size(); ++position) {
+        run.keys.push_back(m_cache->key(run.texts[position]));
+        if (std::optional<QString> hit = m_cache->get(run.keys.back())) {
+            run.results[position] = *std::move(hit);
+            ++hits;
+        } else {
+            pending.append(position);
+        }
+    }
+    run.state.addCached(hits);
+    return pending;
+}
+
+void Translator::runBatches(Run& run, const QList<QList<qsizetype>>& batches) const {
+    const std::stop_token stop = run.stopSource.get_token();
+    std::atomic<qsizetype> next = 0;
+    std::mutex errorMutex;
+    std::exception_ptr firstError;
+    auto fail = [&](std::exception_ptr error) {
+        std::lock_guard lock(errorMutex);
+        if (!firstError)
+            firstError = std::move(error);
+        run.stopSource.request_stop();
+    };
+    auto work = [&] {
+        try {
+            for (qsizetype batch = next++; batch < batches.size() && !stop.stop_requested();
+                 batch = next++) {
+                runBatch(run, batches[batch]);
+                if (m_cache)
+                    m_cache->flush();
+            }
+        } catch (const Cancelled&) {
+            // Expected once a stop was requested: by the caller, or by a sibling's error.
+            if (!stop.stop_requested())
+                fail(std::current_exception());
+        } catch (...) {
+            fail(std::current_exception());
+        }
+    };
+    {
+        std::vector<std::jthread> workers;
+        const qint64 count = std::min<qint64>(m_concurrency, batches.size());
+        for (qint64 i = 0; i < count; ++i)
+            workers.emplace_back(work);
+    }
+    if (m_cache)
+        m_cache->flush();
+    if (firstError)
+        std::rethrow_exception(firstError);
+    throwIfStopped(stop);
+}
+
+void Translator::runBatch(Run& run, const QList<qsizetype>& indices) const {
+    const std::stop_token stop = run.stopSource.get_token();
+    throwIfStopped(stop);
+    std::optional<QStringList> translations;
+    QString failure;
+    try {
+        translations = request(run.texts, indices, stop);
+    } catch (const TranslationError& error) {
+        if (error.fatal())
+            throw;
+        failure = error.message();
+    } catch (const VeltoError& error) {
+        failure = error.description();
+    }
+    if (translations) {
+        accept(run, indices, *translations);
+        return;
+    }
+    // A request torn down by a stop is not a failed batch.
+    throwIfStopped(stop);
+
+    // "Lote de N" gives the number of texts of the batch, which shows how far the halving went.
+    const qsizetype size = indices.size();
+    if (size == 1) {
+        run.state.addWarning(QStringLiteral("Lote de 1 sin traducir (") + failure + u')');
+        run.state.addFinished(0, 1);
+        return;
+    }
+    run.state.addWarning(QStringLiteral("Lote de ") + QString::number(size) +
+                         QStringLiteral(" reintentado en dos mitades (") + failure + u')');
+    // The halves take turns in this batch's slot, so halving never exceeds the concurrency.
+    runBatch(run, indices.first(size / 2));
+    runBatch(run, indices.sliced(size / 2));
+}
+
+QStringList Translator::request(const QStringList& texts, const QList<qsizetype>& indices,
+                                std::stop_token stop) const {
+    const QString answer = m_backend->complete(m_systemPrompt, prompt(texts, indices), stop);
+    const std::map<int, QString> blocks = BlockProtocol::split(answer);
+    const qsizetype expected = indices.size();
+    QStringList translations;
+    for (int number = 1; number <= expected; ++number) {
+        const auto block = blocks.find(number);
+        if (block == blocks.end())
+            break;
+        translations.append(block->second);
+    }
+    const auto received = static_cast<qsizetype>(blocks.size());
+    if (translations.size() != expected || received != expected) {
+        throw TranslationError(QStringLiteral("faltan o sobran bloques (esperados ") +
+                                   QString::number(expected) + QStringLiteral(", recibidos ") +
+                                   QString::number(received) + u')',
+                               false);
+    }
+    return translations;
+}
+
+void Translator::accept(Run& run, const QList<qsizetype>& indices,
+                        const QStringList& translations) const {
+    for (qsizetype k = 0; k < indices.size(); ++k) {
+        const qsizetype position = indices[k];
+        checkPlaceholders(run.texts[position], translations[k], run.state);
+        run.results[position] = translations[k];
+        if (m_cache)
+            m_cache->put(run.keys[position], translations[k]);
+    }
+    run.state.addFinished(indices.size(), 0);
+}
+
+void Translator::checkPlaceholders(const QString& original, const QString& translated,
+                                   TranslatorState& state) {
+    QStringList unmatched = formattingMarks(translated);
+    for (const QString& mark : formattingMarks(original)) {
+        if (!unmatched.removeOne(mark)) {
+            // The source text names the line; its breaks become spaces to keep warnings on one
+            // line each.
+            state.addWarning(QStringLiteral("Se perdieron etiquetas de estilo en: ") +
+                             QString(original).replace(u'\n', u' '));
+            return;
+        }
+    }
+}
+
+} // namespace velto

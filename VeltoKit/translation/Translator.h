@@ -1,0 +1,74 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include "VeltoKit/translation/SpanishVariant.h"
+#include "VeltoKit/translation/TranslationProgress.h"
+
+namespace velto {
+
+class TranslationBackend;
+class TranslationCache;
+class TranslatorState;
+
+// Turns the texts of one subtitle document into as many Spanish texts, in the same order. Texts
+// are answered from the cache when possible, the rest go to the engine in batches, up to
+// `concurrency` requests at once. A batch whose answer does not fit is retried in halves down to
+// single texts; a text that still gets no usable answer keeps its original wording.
+class Translator {
+public:
+    using ProgressHandler = std::function<void(const TranslationProgress&)>;
+
+    struct Result {
+        QStringList translations; // exactly one per input text
+        QStringList warnings;     // in the order they arose
+        TranslationProgress progress;
+    };
+
+    // batchSize and concurrency must be at least 1 and contextLines at least 0
+    // (std::invalid_argument otherwise). `cache` may be null: nothing is looked up or stored.
+    Translator(std::shared_ptr<const TranslationBackend> backend, QString sourceLanguage,
+               SpanishVariant variant, qint64 batchSize, qint64 contextLines, qint64 concurrency,
+               std::shared_ptr<TranslationCache> cache);
+
+    QString systemPrompt() const { return m_systemPrompt; }
+    // The request for the texts at `indices` (positions into `texts`, in order, never empty),
+    // preceded by up to contextLines source lines as context.
+    QString prompt(const QStringList& texts, const QList<qsizetype>& indices) const;
+
+    // onProgress is called from the worker threads, one call at a time, after every change.
+    // Throws the engine's fatal TranslationError, which stops every other batch, or Cancelled
+    // when `stop` is requested. Either way what was already translated stays in the cache.
+    Result translateAll(const QStringList& texts, const ProgressHandler& onProgress,
+                        std::stop_token stop) const;
+
+private:
+    struct Run;
+
+    QList<qsizetype> answerFromCache(Run& run) const;
+    void runBatches(Run& run, const QList<QList<qsizetype>>& batches) const;
+    void runBatch(Run& run, const QList<qsizetype>& indices) const;
+    QStringList request(const QStringList& texts, const QList<qsizetype>& indices,
+                        std::stop_token stop) const;
+    void accept(Run& run, const QList<qsizetype>& indices, const QStringList& translations) const;
+    static void checkPlaceholders(const QString& original, const QString& translated,
+                                  TranslatorState& state);
+
+    std::shared_ptr<const TranslationBackend> m_backend;
+    QString m_sourceLanguage;
+    SpanishVariant m_variant;
+    qint64 m_batchSize;
+    qint64 m_contextLines;
+    qint64 m_concurrency;
+    std::shared_ptr<TranslationCache> m_cache;
+    QString m_systemPrompt;
+};
+
+} // namespace velto

@@ -1,0 +1,49 @@
+#include "VeltoKit/translation/TranslatorState.h"
+
+namespace velto {
+
+TranslatorState::TranslatorState(qint64 total, ProgressHandler onProgress)
+    : m_onProgress(std::move(onProgress)) {
+    m_progress.total = total;
+}
+
+void TranslatorState::addCached(qint64 count) {
+    std::lock_guard lock(m_mutex);
+    m_progress.cached += count;
+    m_progress.done += count;
+    reportLocked();
+}
+
+void TranslatorState::addFinished(qint64 translated, qint64 failed) {
+    std::lock_guard lock(m_mutex);
+    m_progress.done += translated + failed;
+    m_progress.failed += failed;
+    reportLocked();
+}
+
+void TranslatorState::addWarning(const QString& warning) {
+    std::lock_guard lock(m_mutex);
+    m_warnings.append(warning);
+}
+
+void TranslatorState::report() {
+    std::lock_guard lock(m_mutex);
+    reportLocked();
+}
+
+TranslationProgress TranslatorState::progress() const {
+    std::lock_guard lock(m_mutex);
+    return m_progress;
+}
+
+QStringList TranslatorState::warnings() const {
+    std::lock_guard lock(m_mutex);
+    return m_warnings;
+}
+
+void TranslatorState::reportLocked() {
+    if (m_onProgress)
+        m_onProgress(m_progress);
+}
+
+} // namespace velto
