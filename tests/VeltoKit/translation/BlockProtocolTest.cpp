@@ -37,14 +37,6 @@ TEST(BlockProtocol, SplitIgnoresPreamblesAndInlineMarkersAndKeepsTheLastRepeat) 
               (Blocks{{1, QStringLiteral("a")}}));
 }
 
-TEST(BlockProtocol, SplitGivesBackWhatBuildSent) {
-    const QList<std::pair<int, QString>> sent = {{1, QStringLiteral("- ¿Sí?\n- No.")},
-                                                 {2, QStringLiteral("⟪0⟫Hola⟪1⟫")},
-                                                 {10, QStringLiteral("  [música]")}};
-    EXPECT_EQ(BlockProtocol::split(QStringLiteral("preámbulo\n") + BlockProtocol::build(sent)),
-              (Blocks(sent.cbegin(), sent.cend())));
-}
-
 TEST(SpanishVariant, RawValuesRoundTripAndNothingElseNamesAVariant) {
     QStringList raws;
     for (SpanishVariant variant : allSpanishVariants()) {

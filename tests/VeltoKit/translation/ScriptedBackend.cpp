@@ -17,7 +17,6 @@ QString ScriptedBackend::complete(const QString&, const QString& prompt,
     {
         std::lock_guard lock(m_mutex);
         m_requests.append(texts);
-        m_prompts.append(prompt);
     }
     return m_answer(texts, std::move(stop));
 }
@@ -25,11 +24,6 @@ QString ScriptedBackend::complete(const QString&, const QString& prompt,
 QList<QStringList> ScriptedBackend::requests() const {
     std::lock_guard lock(m_mutex);
     return m_requests;
-}
-
-QStringList ScriptedBackend::prompts() const {
-    std::lock_guard lock(m_mutex);
-    return m_prompts;
 }
 
 QStringList requestedTexts(const QString& prompt) {

@@ -23,13 +23,11 @@ public:
                      std::stop_token stop) const override;
 
     QList<QStringList> requests() const;
-    QStringList prompts() const;
 
 private:
     Answer m_answer;
     mutable std::mutex m_mutex;
     mutable QList<QStringList> m_requests;
-    mutable QStringList m_prompts;
 };
 
 // The texts of the blocks of a user prompt, in block order.

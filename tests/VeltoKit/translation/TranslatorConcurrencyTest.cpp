@@ -137,30 +137,38 @@ TEST(TranslatorConcurrency, CancelStopsRequestsInFlightAndARerunAsksOnlyForWhatW
     EXPECT_EQ(asked, texts.sliced(2));
 }
 
-TEST(TranslatorConcurrency, AFatalErrorStopsTheSiblingsInFlightAndNothingMoreStarts) {
+TEST(TranslatorConcurrency, AFatalErrorOnTheThirdBatchStopsItsSiblingAndNothingMoreStarts) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(u"video.json"_s);
     Rendezvous meet;
-    int waiting = 0;
+    bool secondWaiting = false;
     int neverStopped = 0;
     const auto backend = std::make_shared<ScriptedBackend>(
         [&](const QStringList& texts, std::stop_token stop) -> QString {
             std::unique_lock lock(meet.mutex);
             if (batchOf(texts) == 2) {
-                EXPECT_TRUE(meet.waitUntil(lock, [&] { return waiting == 2; }));
+                EXPECT_TRUE(meet.waitUntil(lock, [&] { return secondWaiting; }));
                 throw TranslationError(u"El modelo no existe."_s, true);
             }
-            ++waiting;
-            meet.changed.notify_all();
-            if (meet.waitForStop(lock, stop))
-                throw Cancelled();
-            ++neverStopped;
+            if (batchOf(texts) == 1) {
+                secondWaiting = true;
+                meet.changed.notify_all();
+                if (meet.waitForStop(lock, stop))
+                    throw Cancelled();
+                ++neverStopped;
+            }
             return answerWith(echoed(texts));
         });
     try {
-        translator(backend, 3).translateAll(numberedTexts(12), nullptr, {});
+        translator(backend, 2, std::make_shared<TranslationCache>(path, u"s"_s))
+            .translateAll(numberedTexts(12), nullptr, {});
         FAIL() << "expected the fatal error";
     } catch (const TranslationError& error) {
         EXPECT_EQ(error.message(), u"El modelo no existe."_s);
     }
     EXPECT_EQ(neverStopped, 0);
     EXPECT_EQ(backend->requests().size(), 3);
+    const TranslationCache onDisk(path, u"s"_s);
+    EXPECT_EQ(onDisk.count(), 2);
+    EXPECT_EQ(onDisk.get(onDisk.key(u"1"_s)), u"[ES] 1"_s);
 }

@@ -65,28 +65,6 @@ TEST(Translator, PromptShowsOnlyTheSourceLinesBeforeTheBatchAsContext) {
     EXPECT_TRUE(translator(echoBackend(), 2).prompt(texts, {3}).startsWith(u"Traducí los "));
 }
 
-TEST(Translator, TranslatesEveryTextInBatchesAndReportsProgress) {
-    EXPECT_TRUE(translator(std::make_shared<EchoBackend>(), 2)
-                    .translateAll({}, nullptr, {})
-                    .translations.isEmpty());
-
-    const auto backend = echoBackend();
-    const QStringList texts = numberedTexts(5);
-    QList<TranslationProgress> reported;
-    const auto result =
-        translator(backend, 2)
-            .translateAll(texts, [&](const TranslationProgress& p) { reported.append(p); }, {});
-    EXPECT_EQ(result.translations, echoed(texts));
-    EXPECT_EQ(backend->requests(),
-              (QList<QStringList>{{u"0"_s, u"1"_s}, {u"2"_s, u"3"_s}, {u"4"_s}}));
-    EXPECT_TRUE(result.warnings.isEmpty());
-    ASSERT_FALSE(reported.isEmpty());
-    EXPECT_EQ(reported.back(), (TranslationProgress{5, 5, 0, 0}));
-    EXPECT_EQ(result.progress, reported.back());
-    EXPECT_EQ(result.progress.fraction(), 1.0);
-    EXPECT_EQ(TranslationProgress{}.fraction(), 0.0);
-}
-
 TEST(Translator, HalvesAFailingBatchDownToSingleTextsAndCountsOnlyTheHopelessOnes) {
     // Drops the last block of every answer with several texts; one text is always refused.
     const auto backend = std::make_shared<ScriptedBackend>([](const QStringList& texts, auto) {
@@ -133,48 +111,29 @@ TEST(Translator, WarnsWhenStyleMarksGetLostButKeepsTheTranslation) {
                            u"Se perdieron etiquetas de estilo en: <b>Sí</b> <b>No</b>"_s}));
 }
 
-TEST(Translator, FatalErrorOnTheThirdBatchStopsEverythingAndKeepsFinishedBatchesOnDisk) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath(u"video.json"_s);
-    const QString scope = u"guion|neutro"_s;
-    int calls = 0;
-    const auto backend = std::make_shared<ScriptedBackend>([&](const QStringList& texts, auto) {
-        if (++calls == 3)
-            throw TranslationError(u"La clave no es válida."_s, true);
-        return answerWith(echoed(texts));
-    });
-    const QStringList texts = numberedTexts(10);
-    try {
-        translator(backend, 2, std::make_shared<TranslationCache>(path, scope))
-            .translateAll(texts, nullptr, {});
-        FAIL() << "expected the fatal error";
-    } catch (const TranslationError& error) {
-        EXPECT_EQ(error.message(), u"La clave no es válida."_s);
-        EXPECT_TRUE(error.fatal());
-    }
-    EXPECT_EQ(backend->requests().size(), 3);
-    const TranslationCache onDisk(path, scope);
-    EXPECT_EQ(onDisk.count(), 4);
-    EXPECT_EQ(onDisk.get(onDisk.key(u"3"_s)), u"[ES] 3"_s);
-    EXPECT_EQ(onDisk.get(onDisk.key(u"4"_s)), std::nullopt);
-}
-
-TEST(Translator, AsksTheEngineOnlyForTextsMissingFromTheCache) {
+TEST(Translator, BatchesOnlyTheTextsMissingFromTheCacheAndReportsProgress) {
     QTemporaryDir dir;
     const auto cache =
         std::make_shared<TranslationCache>(dir.filePath(u"video.json"_s), u"guion|neutro"_s);
-    const QStringList texts = numberedTexts(4);
-    for (const QString& text : texts.first(3))
+    const QStringList texts = numberedTexts(6);
+    for (const QString& text : {texts[1], texts[4]})
         cache->put(cache->key(text), u"guardado "_s + text);
     const auto backend = echoBackend();
-    auto result = translator(backend, 10, cache).translateAll(texts, nullptr, {});
-    EXPECT_EQ(backend->requests(), (QList<QStringList>{{u"3"_s}}));
-    EXPECT_EQ(result.translations,
-              (QStringList{u"guardado 0"_s, u"guardado 1"_s, u"guardado 2"_s, u"[ES] 3"_s}));
-    EXPECT_EQ(result.progress, (TranslationProgress{4, 4, 3, 0}));
+    QList<TranslationProgress> reported;
+    auto result =
+        translator(backend, 2, cache)
+            .translateAll(texts, [&](const TranslationProgress& p) { reported.append(p); }, {});
+    EXPECT_EQ(backend->requests(), (QList<QStringList>{{u"0"_s, u"2"_s}, {u"3"_s, u"5"_s}}));
+    EXPECT_EQ(result.translations, (QStringList{u"[ES] 0"_s, u"guardado 1"_s, u"[ES] 2"_s,
+                                                u"[ES] 3"_s, u"guardado 4"_s, u"[ES] 5"_s}));
+    EXPECT_EQ(reported, (QList<TranslationProgress>{{6, 2, 2, 0}, {6, 4, 2, 0}, {6, 6, 2, 0}}));
+    EXPECT_EQ(result.progress, reported.back());
+    EXPECT_EQ(result.progress.fraction(), 1.0);
 
-    result = translator(backend, 10, cache).translateAll(texts, nullptr, {});
-    EXPECT_EQ(backend->requests().size(), 1);
-    EXPECT_EQ(result.translations.last(), u"[ES] 3"_s);
-    EXPECT_EQ(result.progress, (TranslationProgress{4, 4, 4, 0}));
+    result = translator(backend, 2, cache).translateAll(texts, nullptr, {});
+    EXPECT_EQ(backend->requests().size(), 2);
+    EXPECT_EQ(result.progress, (TranslationProgress{6, 6, 6, 0}));
+    EXPECT_TRUE(translator(backend, 2).translateAll({}, nullptr, {}).translations.isEmpty());
+    EXPECT_EQ(backend->requests().size(), 2);
+    EXPECT_EQ(TranslationProgress{}.fraction(), 0.0);
 }
