@@ -42,7 +42,8 @@ public:
     // preceded by up to contextLines source lines as context.
     QString prompt(const QStringList& texts, const QList<qsizetype>& indices) const;
 
-    // onProgress is called from the worker threads, one call at a time, after every change.
+    // onProgress is called after every change, one call at a time, from this thread and from
+    // the worker threads.
     // Throws the engine's fatal TranslationError, which stops every other batch, or Cancelled
     // when `stop` is requested. Either way what was already translated stays in the cache.
     Result translateAll(const QStringList& texts, const ProgressHandler& onProgress,
