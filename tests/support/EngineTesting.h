@@ -9,6 +9,8 @@
 #include <vector>
 
 #include <QByteArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QString>
 
 #include <gtest/gtest.h>
@@ -51,6 +53,17 @@ std::optional<Error> errorOf(Call&& call) {
         return error;
     }
     return std::nullopt;
+}
+
+// The message of the fatal TranslationError that `call` throws; a test failure otherwise.
+inline QString fatalMessageOf(const std::function<void()>& call) {
+    const std::optional<TranslationError> error = errorOf(call);
+    EXPECT_TRUE(error && error->fatal());
+    return error ? error->message() : QString();
+}
+
+inline QJsonObject jsonObject(const char* json) {
+    return QJsonDocument::fromJson(json).object();
 }
 
 // An HTTP answer and the engine error it must become.

@@ -2,10 +2,6 @@
 
 #include <thread>
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-
 #include <gtest/gtest.h>
 
 #include "VeltoKit/engines/JsonReader.h"
@@ -19,18 +15,18 @@ namespace {
 
 class AnthropicEngine : public ::testing::Test {
 protected:
-    AnthropicBackend backend(const QString& key = QStringLiteral("clave-secreta"),
-                             Retry::Wait wait = {}) const {
+    AnthropicBackend backend(const QString& key = QStringLiteral("clave"), Retry::Wait wait = {}) {
         return AnthropicBackend(key, QStringLiteral("claude-haiku-4-5"), Effort::xhigh, 16000, 30,
                                 http, wait ? wait : waits.wait(), server.baseUrl());
     }
-    QString complete(const AnthropicBackend& engine) const {
-        return engine.complete(QStringLiteral("Sos traductor."), QStringLiteral("Traducí: Hi"), {});
+    static QString complete(const AnthropicBackend& engine, std::stop_token stop = {}) {
+        return engine.complete(QStringLiteral("Sos traductor."), QStringLiteral("Traducí: Hi"),
+                               stop);
     }
 
     ScriptedHttpServer server;
     std::shared_ptr<HttpClient> http = std::make_shared<HttpClient>();
-    mutable RecordedWaits waits;
+    RecordedWaits waits;
 };
 
 QByteArray apiError(const char* message) {
@@ -46,30 +42,21 @@ TEST_F(AnthropicEngine, PostsOneMessageAndJoinsTheTextBlocksUntrimmed) {
     EXPECT_EQ(complete(backend()), QStringLiteral("\nHola mundo\n"));
 
     const ReceivedRequest request = server.requests().at(0);
-    EXPECT_EQ(request.method, "POST");
-    EXPECT_EQ(request.target, "/v1/messages");
+    EXPECT_EQ(request.method + ' ' + request.target, "POST /v1/messages");
     EXPECT_EQ(request.headers.value("content-type"), "application/json");
-    EXPECT_EQ(request.headers.value("x-api-key"), "clave-secreta");
+    EXPECT_EQ(request.headers.value("x-api-key"), "clave");
     EXPECT_EQ(request.headers.value("anthropic-version"), "2023-06-01");
-    const QJsonObject expected{
-        {QStringLiteral("model"), QStringLiteral("claude-haiku-4-5")},
-        {QStringLiteral("max_tokens"), 16000},
-        {QStringLiteral("system"), QStringLiteral("Sos traductor.")},
-        {QStringLiteral("output_config"),
-         QJsonObject{{QStringLiteral("effort"), QStringLiteral("xhigh")}}},
-        {QStringLiteral("messages"),
-         QJsonArray{QJsonObject{{QStringLiteral("role"), QStringLiteral("user")},
-                                {QStringLiteral("content"), QStringLiteral("Traducí: Hi")}}}}};
-    EXPECT_EQ(request.json(), expected);
+    EXPECT_EQ(request.json(), jsonObject(R"({"model":"claude-haiku-4-5","max_tokens":16000,
+        "system":"Sos traductor.","output_config":{"effort":"xhigh"},
+        "messages":[{"role":"user","content":"Traducí: Hi"}]})"));
 }
 
 TEST_F(AnthropicEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes) {
-    const QString saturated = QStringLiteral("El servicio está saturado (%1): Overloaded");
+    const QString empty = QStringLiteral("La API devolvió una respuesta vacía.");
     std::vector<FailureRow> rows{
-        {400, apiError("max_tokens: too big"),
-         QStringLiteral("Pedido inválido (400): max_tokens: too big"), true},
+        {400, apiError("too big"), QStringLiteral("Pedido inválido (400): too big"), true},
         {401, apiError("bad key"), QStringLiteral("La API key fue rechazada (401): bad key"), true},
-        {403, "prohibido", QStringLiteral("La API key fue rechazada (403): prohibido"), true},
+        {403, "no", QStringLiteral("La API key fue rechazada (403): no"), true},
         {404, apiError("model: x"), QStringLiteral("Modelo no encontrado (404): model: x"), true},
         {201, "{}", QStringLiteral("Error 201: {}"), false},
         {500, QByteArray(1000, 'x'),
@@ -77,48 +64,42 @@ TEST_F(AnthropicEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes)
         {200, R"({"content":[{"type":"text","text":"No."}],"stop_reason":"refusal"})",
          QStringLiteral("El modelo declinó traducir este fragmento. Probá con otro modelo."),
          false},
-        {200, R"({"content":[{"type":"text","text":"\n\n"}]})",
-         QStringLiteral("La API devolvió una respuesta vacía."), false},
-        {200, R"({"stop_reason":"end_turn"})",
-         QStringLiteral("La API devolvió una respuesta vacía."), false},
+        {200, R"({"content":[{"type":"text","text":"\n\n"}]})", empty, false},
+        {200, R"({"stop_reason":"end_turn"})", empty, false},
     };
     for (int status : {429, 500, 502, 503, 529})
-        rows.push_back({status, apiError("Overloaded"), saturated.arg(status), false});
+        rows.push_back({status, apiError("Overloaded"),
+                        QStringLiteral("El servicio está saturado (%1): Overloaded").arg(status),
+                        false});
     const AnthropicBackend engine = backend();
     for (const FailureRow& row : rows)
         expectFailure(server, waits, 4, row, [&] { complete(engine); });
-}
 
-TEST_F(AnthropicEngine, RetriesAnUnreadableAnswerAndReportsTheDecodingFailure) {
+    server.reset();
     server.script({200, "<html>proxy</html>"}, 4);
-    EXPECT_THROW(complete(backend()), JsonError);
+    EXPECT_THROW(complete(engine), JsonError);
     EXPECT_EQ(server.hits(), 4);
 }
 
 TEST_F(AnthropicEngine, AMissingKeyFailsWithoutTrafficNamingTheSystemKeychain) {
-    const std::optional<TranslationError> error = errorOf([&] { complete(backend({})); });
-    ASSERT_TRUE(error);
-    EXPECT_TRUE(error->fatal());
-    EXPECT_EQ(error->message(), AnthropicBackend::missingKeyMessage());
+    EXPECT_EQ(fatalMessageOf([&] { complete(backend({})); }),
+              AnthropicBackend::missingKeyMessage());
     EXPECT_EQ(server.hits(), 0);
-    EXPECT_EQ(
-        AnthropicBackend::missingKeyMessage(PlatformText::System::macOS),
-        QStringLiteral("Falta la API key de Anthropic. Cargala en Ajustes: la clave se guarda "
-                       "en el Llavero de macOS."));
-    EXPECT_EQ(
-        AnthropicBackend::missingKeyMessage(PlatformText::System::gnuLinux),
-        QStringLiteral("Falta la API key de Anthropic. Cargala en Ajustes: la clave se guarda "
-                       "en el llavero del sistema."));
+    const QString start =
+        QStringLiteral("Falta la API key de Anthropic. Cargala en Ajustes: la clave se guarda en ");
+    EXPECT_EQ(AnthropicBackend::missingKeyMessage(PlatformText::System::macOS),
+              start + QStringLiteral("el Llavero de macOS."));
+    EXPECT_EQ(AnthropicBackend::missingKeyMessage(PlatformText::System::gnuLinux),
+              start + QStringLiteral("el llavero del sistema."));
 }
 
 TEST_F(AnthropicEngine, ACancelDuringASlowAnswerEndsTheCallAtOnce) {
     server.script(ScriptedReply::silence());
     std::stop_source stop;
     std::exception_ptr thrown;
-    std::jthread call([&] {
+    std::jthread call([&, engine = backend(QStringLiteral("clave"), Retry::cancellableWait)] {
         try {
-            backend(QStringLiteral("clave"), Retry::cancellableWait)
-                .complete(QStringLiteral("s"), QStringLiteral("p"), stop.get_token());
+            complete(engine, stop.get_token());
         } catch (...) {
             thrown = std::current_exception();
         }
