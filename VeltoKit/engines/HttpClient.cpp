@@ -1,5 +1,6 @@
 #include "VeltoKit/engines/HttpClient.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <mutex>
@@ -14,7 +15,7 @@ namespace velto {
 namespace {
 
 constexpr char userAgent[] = "VeltoMKV/" VELTO_VERSION;
-// Idle connections kept beyond this many concurrent transfers are closed when they finish.
+// Idle connections kept for reuse; transfers finishing beyond this many close theirs.
 constexpr std::size_t maxIdleChannels = 16;
 
 void initialiseCurlOnce() {
@@ -291,14 +292,13 @@ HttpResponse HttpClient::send(const HttpRequest& request, std::stop_token stop) 
     {
         const QByteArray url = request.url.toEncoded();
         const HeaderList headers(request.headers);
-        curl_easy_reset(channel->easy());
         configure(channel->easy(), m_share->handle, request, url, headers, response.body);
         result = channel->perform(stop);
         long status = 0;
         curl_easy_getinfo(channel->easy(), CURLINFO_RESPONSE_CODE, &status);
         response.status = int(status);
-        // Nothing of this request may outlive it inside the reused handle.
-        curl_easy_setopt(channel->easy(), CURLOPT_HTTPHEADER, nullptr);
+        // The idle handle must not keep pointers into this request; its connection stays.
+        curl_easy_reset(channel->easy());
     }
     m_channels->giveBack(std::move(channel));
     if (!result)
