@@ -1,0 +1,208 @@
+#include "VeltoKit/media/FFmpeg.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
+#include <QUuid>
+
+#include "VeltoKit/core/VeltoError.h"
+#include "VeltoKit/media/Shell.h"
+#include "VeltoKit/media/ShellError.h"
+#include "VeltoKit/media/SubtitleTrack.h"
+
+namespace velto {
+
+namespace {
+
+constexpr int failureLines = 12;
+
+bool isExecutableFile(const QString& path) {
+    const QFileInfo info(path);
+    return info.isFile() && info.isExecutable();
+}
+
+QString expandTilde(const QString& path) {
+    if (path == u"~" || path.startsWith(QStringLiteral("~/")))
+        return QDir::homePath() + path.mid(1);
+    return path;
+}
+
+// Runs one of the two tools; a non-zero exit becomes "<tool> falló (código N):\n<stderr>".
+ProcessResult runTool(const QString& tool, const QString& executable, const QStringList& arguments,
+                      std::stop_token stop) {
+    if (executable.isEmpty())
+        throw ShellError::notFound(tool);
+    ProcessResult result = Shell::run(executable, arguments, {}, std::move(stop));
+    if (result.status != 0)
+        throw ShellError::failed(tool, result.status,
+                                 Shell::lastLines(result.standardError.trimmed(), failureLines));
+    return result;
+}
+
+bool copiesAsIs(const QString& codec) {
+    static const QStringList copied = {QStringLiteral("subrip"), QStringLiteral("srt"),
+                                       QStringLiteral("ass"), QStringLiteral("ssa")};
+    return copied.contains(codec);
+}
+
+// MP4-family containers only take subtitles as mov_text.
+bool needsMovText(const QFileInfo& output) {
+    static const QStringList suffixes = {QStringLiteral("mp4"), QStringLiteral("mov"),
+                                         QStringLiteral("m4v")};
+    return suffixes.contains(output.suffix().toLower());
+}
+
+bool sameFile(const QString& a, const QString& b) {
+    const QFileInfo first(a);
+    const QFileInfo second(b);
+    if (QDir::cleanPath(first.absoluteFilePath()) == QDir::cleanPath(second.absoluteFilePath()))
+        return true;
+    const QString canonical = first.canonicalFilePath();
+    return !canonical.isEmpty() && canonical == second.canonicalFilePath();
+}
+
+// Hidden, unique, and with the output's extension: ffmpeg picks the container from it.
+QString temporaryPathBeside(const QFileInfo& output) {
+    const QString random = QUuid::createUuid().toString(QUuid::Id128).left(12);
+    QString name = u'.' + output.completeBaseName() + QStringLiteral(".partial-") + random;
+    if (!output.suffix().isEmpty())
+        name += u'.' + output.suffix();
+    return output.absoluteDir().filePath(name);
+}
+
+void moveIntoPlace(const QString& from, const QString& to) {
+    std::error_code error;
+    // Replaces an existing output, as "-y" would have.
+    std::filesystem::rename(std::filesystem::path(from.toStdU16String()),
+                            std::filesystem::path(to.toStdU16String()), error);
+    if (error)
+        throw FileError(QStringLiteral("No pude guardar el video como «") +
+                        QFileInfo(to).fileName() +
+                        QStringLiteral("». Revisá que se pueda escribir en esa carpeta."));
+}
+
+QStringList muxArguments(const QString& source, const QString& subtitle, const QString& output,
+                         qint64 existingSubtitleCount, const MuxOptions& options, bool movText) {
+    const QString n = QString::number(existingSubtitleCount);
+    QStringList arguments = {QStringLiteral("-y"), QStringLiteral("-v"), QStringLiteral("error"),
+                             QStringLiteral("-i"), source};
+    if (QFileInfo(subtitle).suffix().toLower() == u"srt")
+        arguments << QStringLiteral("-sub_charenc") << QStringLiteral("UTF-8");
+    arguments << QStringLiteral("-i") << subtitle << QStringLiteral("-map") << QStringLiteral("0")
+              << QStringLiteral("-map") << QStringLiteral("1:0") << QStringLiteral("-c")
+              << QStringLiteral("copy");
+    if (movText)
+        arguments << QStringLiteral("-c:s:") + n << QStringLiteral("mov_text");
+    arguments << QStringLiteral("-map_metadata") << QStringLiteral("0")
+              << QStringLiteral("-map_chapters") << QStringLiteral("0");
+    arguments << QStringLiteral("-metadata:s:s:") + n
+              << QStringLiteral("language=") + options.language
+              << QStringLiteral("-metadata:s:s:") + n << QStringLiteral("title=") + options.title;
+    if (options.makeDefault) {
+        for (qint64 i = 0; i < existingSubtitleCount; ++i)
+            arguments << QStringLiteral("-disposition:s:") + QString::number(i)
+                      << QStringLiteral("0");
+        arguments << QStringLiteral("-disposition:s:") + n << QStringLiteral("default");
+    } else {
+        arguments << QStringLiteral("-disposition:s:") + n
+                  << (options.forced ? QStringLiteral("forced") : QStringLiteral("0"));
+    }
+    arguments << output;
+    return arguments;
+}
+
+} // namespace
+
+std::optional<FFmpeg> FFmpeg::locate(const std::optional<QString>& preferredDirectory) {
+    if (preferredDirectory && !preferredDirectory->isEmpty()) {
+        const QDir directory(expandTilde(*preferredDirectory));
+        FFmpeg tools{directory.filePath(QStringLiteral("ffmpeg")),
+                     directory.filePath(QStringLiteral("ffprobe"))};
+        if (isExecutableFile(tools.ffmpeg) && isExecutableFile(tools.ffprobe))
+            return tools;
+    }
+    const auto ffmpeg = Shell::which(QStringLiteral("ffmpeg"));
+    const auto ffprobe = Shell::which(QStringLiteral("ffprobe"));
+    if (!ffmpeg || !ffprobe)
+        return std::nullopt;
+    return FFmpeg{*ffmpeg, *ffprobe};
+}
+
+QString FFmpeg::version(std::stop_token stop) const {
+    if (ffmpeg.isEmpty())
+        throw ShellError::notFound(QStringLiteral("ffmpeg"));
+    const ProcessResult result =
+        Shell::run(ffmpeg, {QStringLiteral("-version")}, {}, std::move(stop));
+    const QString firstLine = result.standardOutput.section(u'\n', 0, 0).trimmed();
+    return firstLine.isEmpty() ? QStringLiteral("desconocida") : firstLine;
+}
+
+MediaInfo FFmpeg::inspect(const QString& path, std::stop_token stop) const {
+    const QStringList arguments = {
+        QStringLiteral("-v"),   QStringLiteral("error"),         QStringLiteral("-print_format"),
+        QStringLiteral("json"), QStringLiteral("-show_streams"), QStringLiteral("-select_streams"),
+        QStringLiteral("s"),    QStringLiteral("-show_format"),  path,
+    };
+    const ProcessResult result =
+        runTool(QStringLiteral("ffprobe"), ffprobe, arguments, std::move(stop));
+    return MediaInfo::fromProbeJson(path, result.standardOutput.toUtf8());
+}
+
+QString FFmpeg::extract(const SubtitleTrack& track, const QString& source, const QString& directory,
+                        std::stop_token stop) const {
+    const QString index = QString::number(track.index);
+    if (track.isBitmap())
+        throw ShellError::failed(
+            QStringLiteral("ffmpeg"), 1,
+            QStringLiteral("La pista #") + index + QStringLiteral(" es de tipo imagen (") +
+                track.codec +
+                QStringLiteral("). Haría falta OCR para traducirla; VeltoMKV solo maneja "
+                               "subtítulos de texto."));
+    const bool ass = track.codec == u"ass" || track.codec == u"ssa";
+    const QString output =
+        QDir(directory).filePath(QStringLiteral("source_") + index +
+                                 (ass ? QStringLiteral(".ass") : QStringLiteral(".srt")));
+    QStringList arguments = {QStringLiteral("-y"),
+                             QStringLiteral("-v"),
+                             QStringLiteral("error"),
+                             QStringLiteral("-i"),
+                             source,
+                             QStringLiteral("-map"),
+                             QStringLiteral("0:") + index};
+    if (copiesAsIs(track.codec))
+        arguments << QStringLiteral("-c:s") << QStringLiteral("copy");
+    arguments << output;
+    runTool(QStringLiteral("ffmpeg"), ffmpeg, arguments, std::move(stop));
+    if (QFileInfo(output).size() <= 0)
+        throw ShellError::failed(QStringLiteral("ffmpeg"), 1,
+                                 QStringLiteral("La extracción de la pista #") + index +
+                                     QStringLiteral(" salió vacía."));
+    return output;
+}
+
+void FFmpeg::mux(const QString& source, const QString& subtitle, const QString& output,
+                 qint64 existingSubtitleCount, const MuxOptions& options,
+                 std::stop_token stop) const {
+    if (sameFile(source, output))
+        throw FileError(QStringLiteral("La salida no puede ser el mismo archivo que la entrada."));
+    const QFileInfo outputInfo(output);
+    const QString temporary = temporaryPathBeside(outputInfo);
+    const QStringList arguments = muxArguments(source, subtitle, temporary, existingSubtitleCount,
+                                               options, needsMovText(outputInfo));
+    try {
+        runTool(QStringLiteral("ffmpeg"), ffmpeg, arguments, std::move(stop));
+        if (QFileInfo(temporary).size() <= 0)
+            throw ShellError::failed(QStringLiteral("ffmpeg"), 1,
+                                     QStringLiteral("El archivo de salida quedó vacío."));
+        moveIntoPlace(temporary, output);
+    } catch (...) {
+        QFile::remove(temporary);
+        throw;
+    }
+}
+
+} // namespace velto
