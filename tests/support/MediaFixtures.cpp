@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QtEndian>
@@ -196,10 +197,11 @@ void writeVideo(const QString& path, const VideoSpec& spec) {
                            QStringLiteral("mpeg4")};
     int inputCount = 1;
     if (spec.audio) {
+        // AAC's priming delay would make ffmpeg shift every Matroska timestamp; PCM has none.
         inputs << QStringLiteral("-f") << QStringLiteral("lavfi") << QStringLiteral("-i")
-               << QStringLiteral("sine=frequency=440:duration=") + seconds;
+               << QStringLiteral("sine=frequency=440:sample_rate=8000:duration=") + seconds;
         outputs << QStringLiteral("-map") << QString::number(inputCount++) << QStringLiteral("-c:a")
-                << QStringLiteral("aac");
+                << (mp4Family ? QStringLiteral("aac") : QStringLiteral("pcm_s16le"));
     }
     for (qsizetype i = 0; i < spec.subtitles.size(); ++i) {
         const SubtitleSpec& subtitle = spec.subtitles[i];
@@ -208,6 +210,9 @@ void writeVideo(const QString& path, const VideoSpec& spec) {
             scratch.filePath(QStringLiteral("track%1.%2").arg(i).arg(sidecar.fileName));
         writeFile(file, sidecar.bytes);
         const QString s = QString::number(i);
+        // PGS gives no end times; without this the DVD track would last 2^32 ms.
+        if (subtitle.format == SubtitleFormat::dvdSubtitle)
+            inputs << QStringLiteral("-fix_sub_duration");
         inputs << QStringLiteral("-i") << file;
         outputs << QStringLiteral("-map") << QString::number(inputCount++)
                 << QStringLiteral("-c:s:") + s << sidecar.codec
@@ -242,6 +247,17 @@ FFmpeg tools() {
     if (!located)
         fail(QStringLiteral("ffmpeg and ffprobe are needed by the media tests"));
     return *located;
+}
+
+QJsonArray probeStreams(const QString& path) {
+    const ProcessResult result =
+        runChecked(tools().ffprobe,
+                   {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-print_format"),
+                    QStringLiteral("json"), QStringLiteral("-show_streams"), path});
+    return QJsonDocument::fromJson(result.standardOutput.toUtf8())
+        .object()
+        .value(u"streams")
+        .toArray();
 }
 
 QJsonObject mkvmergeIdentify(const QString& path) {

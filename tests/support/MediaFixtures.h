@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
 #include <QString>
@@ -53,6 +54,8 @@ QByteArray pgsStream(int count);
 
 // The real ffmpeg and ffprobe (throws std::runtime_error when they are not installed).
 FFmpeg tools();
+// Every stream of `path` as ffprobe lists them (`-show_streams`).
+QJsonArray probeStreams(const QString& path);
 // `mkvmerge -J path`, the independent reading of a Matroska file.
 QJsonObject mkvmergeIdentify(const QString& path);
 // Writes `bytes` to `path`, throwing std::runtime_error on failure.
