@@ -10,8 +10,6 @@
 
 namespace velto {
 
-struct SubtitleTrack;
-
 // The two media tools, by location. Every operation runs them as child processes without a
 // time limit, so a hung tool ends only when `stop` is requested (then Cancelled is thrown).
 // Failures are ShellError with the tool's last lines of standard error.

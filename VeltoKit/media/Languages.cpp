@@ -255,9 +255,8 @@ const Tables& tables() {
     return instance;
 }
 
-} // namespace
-
-QString normalize(const QString& tag) {
+// The normalised code of a tag or name the tables know.
+std::optional<QString> lookup(const QString& tag) {
     static const QRegularExpression languageSubtag(QStringLiteral("^([a-z]{2,3})(?:[-_].*)?$"));
     const QString folded = foldName(tag);
     const Tables& t = tables();
@@ -265,14 +264,21 @@ QString normalize(const QString& tag) {
         if (const auto found = t.codes.constFind(match.captured(1)); found != t.codes.cend())
             return *found;
     }
-    return t.names.value(folded, QStringLiteral("und"));
+    if (const auto found = t.names.constFind(folded); found != t.names.cend())
+        return *found;
+    return std::nullopt;
+}
+
+} // namespace
+
+QString normalize(const QString& tag) {
+    return lookup(tag).value_or(QStringLiteral("und"));
 }
 
 QString displayName(const QString& code) {
-    const QString normalized = normalize(code);
-    if (normalized == u"und" && foldName(code) != u"und" && !code.trimmed().isEmpty())
-        return code;
-    return tables().displayNames.value(normalized);
+    if (const auto found = lookup(code))
+        return tables().displayNames.value(*found);
+    return code.trimmed().isEmpty() ? tables().displayNames.value(QStringLiteral("und")) : code;
 }
 
 bool isKnown(const QString& code) {

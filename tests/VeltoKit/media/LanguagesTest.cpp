@@ -63,6 +63,8 @@ TEST(Languages, DisplayNamesAreSpanish) {
     EXPECT_EQ(Languages::displayName(QStringLiteral("dut")), QStringLiteral("neerlandés"));
     EXPECT_EQ(Languages::displayName(QStringLiteral("und")), QStringLiteral("idioma desconocido"));
     EXPECT_EQ(Languages::displayName(QString()), QStringLiteral("idioma desconocido"));
+    EXPECT_EQ(Languages::displayName(QStringLiteral("Undetermined")),
+              QStringLiteral("idioma desconocido"));
     EXPECT_EQ(Languages::displayName(QStringLiteral("qaa")), QStringLiteral("qaa"));
     EXPECT_FALSE(Languages::isKnown(QStringLiteral("und")));
     EXPECT_FALSE(Languages::isKnown(QStringLiteral("mul")));
