@@ -2,6 +2,7 @@
 # Times our extract + mux of a ~1 GB MKV against the two bare ffmpeg commands that do the
 # same work and against cp of the same file (what the disk allows). The generated video is
 # kept in the build folder and reused; every output is removed after its run.
+# ROUNDS=n changes the number of rounds (default 6); VERBOSE=1 prints every sample.
 set -euo pipefail
 build=${1:-build/bench}
 driver="$build/bench/velto-media-extract-mux"
@@ -26,11 +27,14 @@ now() { date +%s.%N; }
 elapsed() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.3f", b - a }'; }
 ratio() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.2f", a / b }'; }
 median() { tr ' ' '\n' | sed '/^$/d' | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
-clean() {
+remove_outputs() {
   rm -f "$work/out.mkv" "$work/bare.mkv" "$work/copy.mkv" "$work"/source_*.srt "$work/bare.srt"
+}
+clean() {
+  remove_outputs
   sync # each run starts without the previous one's writes still pending
 }
-trap 'rm -f "$work/out.mkv" "$work/bare.mkv" "$work/copy.mkv" "$work"/source_*.srt "$work/bare.srt"' EXIT
+trap remove_outputs EXIT
 
 size=$(stat -c %s "$source" 2>/dev/null || stat -f %z "$source")
 cat "$source" > /dev/null # every contender starts with the file in the page cache
@@ -72,7 +76,9 @@ for ((round = 1; round <= rounds; round++)); do
 done
 
 m() { median <<< "$1"; }
-[ -n "${VERBOSE:-}" ] && printf "ours mux:%s\nbare mux:%s\n" "$ours_mux" "$bare_mux"
+if [ -n "${VERBOSE:-}" ]; then
+  printf 'samples, ours:%s\n         bare:%s\n         cp:%s\n' "$ours" "$bare" "$copy"
+fi
 printf 'file: %s (%d MB), median of %d rounds, seconds\n' "$source" $((size / 1000000)) "$rounds"
 printf '%-26s %8s %8s %8s\n' "" extract mux total
 printf '%-26s %8s %8s %8s\n' "VeltoKit extract + mux" "$(m "$ours_extract")" "$(m "$ours_mux")" "$(m "$ours")"

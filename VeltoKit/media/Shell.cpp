@@ -67,11 +67,8 @@ int exitStatus(const QProcess& process) {
     return process.exitCode() != 0 ? process.exitCode() : -1;
 }
 
-ProcessResult runWithEnvironment(const QString& executable, const QStringList& arguments,
-                                 const ShellRunOptions& options, const std::stop_token& stop,
-                                 const QProcessEnvironment& environment) {
-    throwIfStopped(stop);
-    QProcess process;
+void start(QProcess& process, const QString& executable, const QStringList& arguments,
+           const ShellRunOptions& options, const QProcessEnvironment& environment) {
     process.setProgram(executable);
     process.setArguments(arguments);
     process.setProcessEnvironment(environment);
@@ -83,25 +80,39 @@ ProcessResult runWithEnvironment(const QString& executable, const QStringList& a
     if (!process.waitForStarted(-1))
         throw launchFailure(executable);
     if (options.standardInput) {
-        // QProcess feeds the pipe while we wait below, so a large input cannot block us.
+        // QProcess feeds the pipe while we wait for the exit, so a large input cannot block us.
         process.write(*options.standardInput);
         process.closeWriteChannel();
     }
+}
 
-    std::optional<Clock::time_point> deadline;
-    if (options.timeoutSeconds)
-        deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                                      std::chrono::duration<double>(*options.timeoutSeconds));
+std::optional<Clock::time_point> deadlineAfter(std::optional<double> seconds) {
+    if (!seconds)
+        return std::nullopt;
+    return Clock::now() +
+           std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(*seconds));
+}
+
+ShellError timedOut(const QString& executable, double seconds) {
+    return ShellError::failed(toolName(executable), -1,
+                              QStringLiteral("Sin respuesta tras ") +
+                                  QString::number(static_cast<qint64>(std::ceil(seconds))) + u's');
+}
+
+ProcessResult runWithEnvironment(const QString& executable, const QStringList& arguments,
+                                 const ShellRunOptions& options, const std::stop_token& stop,
+                                 const QProcessEnvironment& environment) {
+    throwIfStopped(stop);
+    QProcess process;
+    start(process, executable, arguments, options, environment);
+    const auto deadline = deadlineAfter(options.timeoutSeconds);
     // Both pipes are read while waiting, so a child that fills one of them never stalls.
     QByteArray output;
     QByteArray error;
-    auto drain = [&] {
+    while (true) {
+        process.waitForFinished(pollMilliseconds);
         output += process.readAllStandardOutput();
         error += process.readAllStandardError();
-    };
-    while (process.state() != QProcess::NotRunning) {
-        process.waitForFinished(pollMilliseconds);
-        drain();
         if (process.state() == QProcess::NotRunning)
             break;
         if (stop.stop_requested()) {
@@ -110,14 +121,9 @@ ProcessResult runWithEnvironment(const QString& executable, const QStringList& a
         }
         if (deadline && Clock::now() >= *deadline) {
             stopChild(process);
-            throw ShellError::failed(
-                toolName(executable), -1,
-                QStringLiteral("Sin respuesta tras ") +
-                    QString::number(static_cast<qint64>(std::ceil(*options.timeoutSeconds))) +
-                    u's');
+            throw timedOut(executable, *options.timeoutSeconds);
         }
     }
-    drain();
     throwIfStopped(stop);
     return {exitStatus(process), QString::fromUtf8(output), QString::fromUtf8(error)};
 }
@@ -153,7 +159,9 @@ QStringList readLoginShellPaths(const QString& shell) {
         const ProcessResult result =
             runWithEnvironment(shell, {QStringLiteral("-lc"), QStringLiteral("echo $PATH")},
                                options, {}, QProcessEnvironment::systemEnvironment());
-        return splitPath(result.standardOutput.trimmed());
+        // The last line: a chatty profile may print before the answer.
+        const QStringList lines = result.standardOutput.trimmed().split(u'\n');
+        return splitPath(lines.last().trimmed());
     } catch (const VeltoError&) {
         return {};
     }

@@ -25,8 +25,8 @@ namespace Shell {
 const QStringList& searchPaths();
 // The PATH of the user's login shell ($SHELL, else /bin/zsh), read once per process.
 const QStringList& loginShellPaths();
-// What loginShellPaths caches: `shell -lc 'echo $PATH'` split at ':'; empty when the shell
-// cannot run or answers nothing within a few seconds.
+// What loginShellPaths caches: the last line of `shell -lc 'echo $PATH'` split at ':';
+// empty when the shell cannot run or answers nothing within a few seconds.
 QStringList readLoginShellPaths(const QString& shell);
 
 // The first executable `name` in searchPaths, then PATH, then loginShellPaths.

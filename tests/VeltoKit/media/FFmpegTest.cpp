@@ -1,10 +1,10 @@
 #include "VeltoKit/media/FFmpeg.h"
 
 #include <condition_variable>
-#include <csignal>
 #include <fcntl.h>
 #include <mutex>
 #include <poll.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>

@@ -1,6 +1,6 @@
 #include "VeltoKit/media/Shell.h"
 
-#include <csignal>
+#include <signal.h>
 #include <thread>
 
 #include <QDir>
@@ -101,7 +101,7 @@ TEST(Shell, ReadsTheLoginShellPath) {
     const QString shell =
         writeShellScript(dir.filePath(QStringLiteral("fake-shell")),
                          QStringLiteral("[ \"$1\" = -lc ] && [ \"$2\" = 'echo $PATH' ] || exit 2\n"
-                                        "printf ' /x/bin:/y bin::/z \\n\\n'"));
+                                        "echo 'Welcome back'; printf ' /x/bin:/y bin::/z \\n\\n'"));
     EXPECT_EQ(
         Shell::readLoginShellPaths(shell),
         (QStringList{QStringLiteral("/x/bin"), QStringLiteral("/y bin"), QStringLiteral("/z")}));
