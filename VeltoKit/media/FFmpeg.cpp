@@ -163,7 +163,7 @@ QString FFmpeg::extract(const SubtitleTrack& track, const QString& source, const
                 QStringLiteral("). Haría falta OCR para traducirla; VeltoMKV solo maneja "
                                "subtítulos de texto."));
     const bool ass = track.codec == u"ass" || track.codec == u"ssa";
-    const QString output =
+    QString output =
         QDir(directory).filePath(QStringLiteral("source_") + index +
                                  (ass ? QStringLiteral(".ass") : QStringLiteral(".srt")));
     QStringList arguments = {QStringLiteral("-y"),

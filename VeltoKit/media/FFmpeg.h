@@ -36,7 +36,9 @@ struct FFmpeg {
     // more subtitle track (numbered `existingSubtitleCount` among the subtitle streams). The
     // file is written under a hidden temporary name beside `output` and renamed into place
     // only when complete; a failure or cancellation removes it. MP4/MOV/M4V outputs get the new
-    // track as mov_text, the format those containers accept.
+    // track as mov_text, the format those containers accept. With options.makeDefault every
+    // older subtitle track loses all its flags (default, forced, SDH), as ffmpeg's "0" does.
+    // Throws FileError when `output` is `source` itself.
     void mux(const QString& source, const QString& subtitle, const QString& output,
              qint64 existingSubtitleCount, const MuxOptions& options,
              std::stop_token stop = {}) const;
