@@ -205,7 +205,9 @@ void writeVideo(const QString& path, const VideoSpec& spec) {
     }
     for (qsizetype i = 0; i < spec.subtitles.size(); ++i) {
         const SubtitleSpec& subtitle = spec.subtitles[i];
-        const Sidecar sidecar = sidecarFor(subtitle, mp4Family);
+        Sidecar sidecar = sidecarFor(subtitle, mp4Family);
+        if (!subtitle.contents.isEmpty())
+            sidecar.bytes = subtitle.contents;
         const QString file =
             scratch.filePath(QStringLiteral("track%1.%2").arg(i).arg(sidecar.fileName));
         writeFile(file, sidecar.bytes);

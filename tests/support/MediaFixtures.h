@@ -31,6 +31,9 @@ struct SubtitleSpec {
     // One cue per line, one second each, starting at 0.5 s. Image formats draw one box per line.
     QStringList lines = {QStringLiteral("Hello there."), QStringLiteral("How are you?"),
                          QStringLiteral("Fine, thanks.")};
+    // When not empty, the subtitle file itself (e.g. one from the corpus), used instead of
+    // `lines`; `format` must still say what it is.
+    QByteArray contents;
 };
 
 struct VideoSpec {

@@ -236,6 +236,29 @@ TEST(FFmpeg, ExtractCopiesSrtAndAssAndConvertsTheOtherTextFormats) {
     EXPECT_TRUE(readAll(tools.extract(movText, mp4, dir.path())).contains("How are you?"));
 }
 
+TEST(FFmpeg, ExtractKeepsEveryCueOfARealWorldFile) {
+    const QString corpus = QStringLiteral(VELTO_CORPUS_DIR "/dualsub/Game of Thrones 1x01 - "
+                                                           "Winter Is Coming (English).srt");
+    const QByteArray original = readAll(corpus);
+    if (original.isEmpty())
+        GTEST_SKIP() << "the subtitle corpus is not here";
+    QTemporaryDir dir;
+    const QString video = dir.filePath(QStringLiteral("got.mkv"));
+    MediaFixtures::VideoSpec spec;
+    spec.audio = false;
+    SubtitleSpec english = subtitle(SubtitleFormat::srt, "", "English");
+    english.contents = original;
+    spec.subtitles = {english};
+    MediaFixtures::writeVideo(video, spec);
+
+    const FFmpeg tools = MediaFixtures::tools();
+    const auto track = tools.inspect(video).pickSource(QStringLiteral("eng"));
+    ASSERT_TRUE(track); // untagged, named by its title
+    const QByteArray extracted = readAll(tools.extract(*track, video, dir.path()));
+    EXPECT_GT(original.count("-->"), 500);
+    EXPECT_EQ(extracted.count("-->"), original.count("-->"));
+}
+
 TEST(FFmpeg, ExtractRefusesImageTracksBeforeRunningAnything) {
     QTemporaryDir dir;
     const FFmpeg recording = recordingTools(dir);
