@@ -2,9 +2,14 @@
 
 #include <ostream>
 
+#include <QByteArray>
 #include <QString>
 
-// Lets GoogleTest print QString values as text in failure messages instead of raw bytes.
+// Lets GoogleTest print Qt strings as text in failure messages instead of raw bytes.
 inline void PrintTo(const QString& text, std::ostream* out) {
     *out << '"' << text.toStdString() << '"';
+}
+
+inline void PrintTo(const QByteArray& bytes, std::ostream* out) {
+    *out << '"' << bytes.toStdString() << '"';
 }
