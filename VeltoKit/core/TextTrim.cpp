@@ -2,16 +2,14 @@
 
 namespace velto {
 
-QString trimTrailingWhitespace(QStringView text)
-{
+QString trimTrailingWhitespace(QStringView text) {
     qsizetype end = text.size();
     while (end > 0 && text[end - 1].isSpace())
         --end;
     return text.first(end).toString();
 }
 
-QString trimSpacesAndTabs(QStringView text)
-{
+QString trimSpacesAndTabs(QStringView text) {
     auto blank = [](QChar c) { return c == u' ' || c == u'\t'; };
     qsizetype begin = 0;
     qsizetype end = text.size();

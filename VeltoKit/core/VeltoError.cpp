@@ -4,27 +4,21 @@ namespace velto {
 
 VeltoError::VeltoError(QString description)
     : m_description(std::move(description))
-    , m_utf8(m_description.toUtf8())
-{
-}
+    , m_utf8(m_description.toUtf8()) {}
 
-const char* VeltoError::what() const noexcept
-{
+const char* VeltoError::what() const noexcept {
     return m_utf8.constData();
 }
 
-QString Cancelled::description() const
-{
+QString Cancelled::description() const {
     return QStringLiteral("Operación cancelada.");
 }
 
-const char* Cancelled::what() const noexcept
-{
+const char* Cancelled::what() const noexcept {
     return "Operación cancelada.";
 }
 
-void throwIfStopped(const std::stop_token& stop)
-{
+void throwIfStopped(const std::stop_token& stop) {
     if (stop.stop_requested())
         throw Cancelled();
 }

@@ -4,8 +4,7 @@
 
 namespace velto {
 
-void TranslationBackend::preflight(std::stop_token stop) const
-{
+void TranslationBackend::preflight(std::stop_token stop) const {
     const QString answer =
         complete(QStringLiteral("Respondé exactamente con el texto pedido, sin agregar nada más."),
                  QStringLiteral("Respondé exactamente: PONG"), stop);

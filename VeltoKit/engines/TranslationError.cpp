@@ -4,8 +4,6 @@ namespace velto {
 
 TranslationError::TranslationError(QString message, bool fatal)
     : VeltoError(std::move(message))
-    , m_fatal(fatal)
-{
-}
+    , m_fatal(fatal) {}
 
 } // namespace velto

@@ -2,8 +2,7 @@
 
 namespace velto::PlatformText {
 
-System current()
-{
+System current() {
 #if defined(Q_OS_MACOS)
     return System::macOS;
 #elif defined(Q_OS_WIN)
@@ -13,8 +12,7 @@ System current()
 #endif
 }
 
-QString installFfmpeg(System system)
-{
+QString installFfmpeg(System system) {
     switch (system) {
     case System::macOS:
         return QStringLiteral("brew install ffmpeg");
@@ -26,8 +24,7 @@ QString installFfmpeg(System system)
     return QStringLiteral("sudo apt install ffmpeg");
 }
 
-QString keychainName(System system)
-{
+QString keychainName(System system) {
     switch (system) {
     case System::macOS:
         return QStringLiteral("el Llavero de macOS");
@@ -39,13 +36,12 @@ QString keychainName(System system)
     return QStringLiteral("el llavero del sistema");
 }
 
-QString thisComputer(System system)
-{
-    return system == System::macOS ? QStringLiteral("esta Mac") : QStringLiteral("esta computadora");
+QString thisComputer(System system) {
+    return system == System::macOS ? QStringLiteral("esta Mac")
+                                   : QStringLiteral("esta computadora");
 }
 
-QString revealInFileBrowser(System system)
-{
+QString revealInFileBrowser(System system) {
     switch (system) {
     case System::macOS:
         return QStringLiteral("Mostrar en Finder");

@@ -6,16 +6,14 @@
 
 using namespace velto;
 
-TEST(TextTrim, TrailingTrimRemovesUnicodeWhitespaceOnlyAtTheEnd)
-{
+TEST(TextTrim, TrailingTrimRemovesUnicodeWhitespaceOnlyAtTheEnd) {
     EXPECT_EQ(trimTrailingWhitespace(u"  hola \t\u00a0\u3000\n"), QStringLiteral("  hola"));
     EXPECT_EQ(trimTrailingWhitespace(u" \n "), QString());
     EXPECT_EQ(trimSpacesAndTabs(u"\t a b \t"), QStringLiteral("a b"));
     EXPECT_EQ(trimSpacesAndTabs(u"\na\n"), QStringLiteral("\na\n"));
 }
 
-TEST(PlatformText, MacWordingIsTheReferenceAndOtherSystemsGetTheirOwn)
-{
+TEST(PlatformText, MacWordingIsTheReferenceAndOtherSystemsGetTheirOwn) {
     using PlatformText::System;
     EXPECT_EQ(PlatformText::installFfmpeg(System::macOS), QStringLiteral("brew install ffmpeg"));
     EXPECT_EQ(PlatformText::installFfmpeg(System::gnuLinux),
