@@ -4,7 +4,6 @@
 #include <functional>
 #include <mutex>
 #include <optional>
-#include <ostream>
 #include <stop_token>
 #include <vector>
 
@@ -17,6 +16,7 @@
 
 #include "VeltoKit/engines/Retry.h"
 #include "VeltoKit/engines/TranslationError.h"
+#include "support/QStringPrinter.h"
 #include "support/ScriptedHttpServer.h"
 
 namespace velto::test {
@@ -95,11 +95,3 @@ inline void expectFailure(ScriptedHttpServer& server, RecordedWaits& waits, int 
 }
 
 } // namespace velto::test
-
-inline void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}
-
-inline void PrintTo(const QByteArray& bytes, std::ostream* out) {
-    *out << '"' << bytes.toStdString() << '"';
-}
