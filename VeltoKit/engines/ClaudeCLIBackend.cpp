@@ -32,8 +32,8 @@ constexpr KnownFailure knownFailures[] = {
     {u"credit balance", u"La cuenta no tiene crédito disponible."},
 };
 
-// Every known failure gets it, even those that are not about the login: logging in again is
-// what fixes most of them.
+// Appended to every known failure, those not about the login too: running «claude» by hand is
+// how the user sees and mends any of them.
 constexpr QStringView loginAdvice = u"Abrí la Terminal, ejecutá «claude» y hacé «/login» una vez. "
                                     u"Después volvé y probá de nuevo.";
 
@@ -157,7 +157,7 @@ QString ClaudeCLIBackend::complete(const QString& system, const QString& prompt,
     }
     if (result.status != 0)
         throw exitFailure(result);
-    const QString answer = result.standardOutput.trimmed();
+    QString answer = result.standardOutput.trimmed();
     if (answer.isEmpty())
         throw TranslationError(QStringLiteral("El CLI de Claude devolvió una respuesta vacía."),
                                false);
