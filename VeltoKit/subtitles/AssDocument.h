@@ -36,6 +36,11 @@ public:
     QString render() const override;
     std::unique_ptr<SubtitleDocument> clone() const override;
 
+    // True when some event was read without a Format: line. The guess rests on the shortest
+    // event line, so such a script may read back differently once a text gains a comma or an
+    // event is removed; ffmpeg always writes the Format: line, so extracted tracks never guess.
+    bool guessedFieldOrder() const { return m_guessedFieldOrder; }
+
     // The Text field of every dialogue event exactly as written, override blocks included.
     QStringList dialogueTexts() const;
     // Replaces the Text field of every dialogue event; std::nullopt removes the event's line.
@@ -65,6 +70,7 @@ private:
     static std::optional<Event> readEvent(const Line& line, const Format& format);
 
     QList<Line> m_lines;
+    bool m_guessedFieldOrder = false;
 };
 
 } // namespace velto

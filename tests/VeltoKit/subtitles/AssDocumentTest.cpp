@@ -14,13 +14,15 @@ namespace {
 const QString standardFormat =
     u"Format: Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\n"_s;
 
-AssDocument loadFixture(const QString& name) {
+AssDocument loadFixture(const QString& name)
+{
     return AssDocument::parse(Subtitles::readText(test::dataFile(name)));
 }
 
 } // namespace
 
-TEST(AssDocument, RendersBackExactlyWithOnlyTheTextsChanged) {
+TEST(AssDocument, RendersBackExactlyWithOnlyTheTextsChanged)
+{
     const QString script =
         u"[Script Info]\r\nTitle: mixed line ends\n\n[V4+ Styles]\rFormat: Name, Fontname\r"
         u"Style: Default,Arial\r\n\r\n[Events]\n"_s +
@@ -40,7 +42,8 @@ TEST(AssDocument, RendersBackExactlyWithOnlyTheTextsChanged) {
     EXPECT_EQ(document.render(), expected);
 }
 
-TEST(AssDocument, ReadsFieldsByTheFormatLineWhateverItsOrder) {
+TEST(AssDocument, ReadsFieldsByTheFormatLineWhateverItsOrder)
+{
     AssDocument odd = loadFixture(u"odd-format-order.ass"_s);
     EXPECT_EQ(odd.texts(),
               QStringList({u"Text first, then the rest"_s, u"A second line, it too has commas"_s}));
@@ -60,7 +63,8 @@ TEST(AssDocument, ReadsFieldsByTheFormatLineWhateverItsOrder) {
                   {u"Five fields only, and a comma."_s, u"⟪1⟫Second one⟪2⟫with a hard space."_s}));
 }
 
-TEST(AssDocument, CommentEventsAreTimedButNeverTranslated) {
+TEST(AssDocument, CommentEventsAreTimedButNeverTranslated)
+{
     const AssDocument document = loadFixture(u"comments-and-actor.ass"_s);
     QStringList kinds;
     for (const TimingSignature& signature : document.timingSignature())
@@ -73,7 +77,8 @@ TEST(AssDocument, CommentEventsAreTimedButNeverTranslated) {
                            u"[door slams]⟪1⟫Out. With friends."_s, u"⟪1⟫ANNA: Which friends?"_s}));
 }
 
-TEST(AssDocument, PlaceholdersComeBackEvenFromASloppyTranslation) {
+TEST(AssDocument, PlaceholdersComeBackEvenFromASloppyTranslation)
+{
     AssDocument document = AssDocument::parse(
         u"[Events]\n"_s + standardFormat +
         u"Dialogue: 0,0:00:01.00,0:00:02.00,Default,,0,0,0,,{\\an8}A\\NB{\\i1}C\n"
@@ -88,11 +93,13 @@ TEST(AssDocument, PlaceholdersComeBackEvenFromASloppyTranslation) {
                   u"Dialogue: 0,0:00:03.00,0:00:04.00,Default,,0,0,0,,z ⟪2⟫\\Nw\n"_s);
 }
 
-TEST(AssDocument, FindsEventsWithoutHeadersButNeverInsideAttachedData) {
+TEST(AssDocument, FindsEventsWithoutHeadersButNeverInsideAttachedData)
+{
     const AssDocument bare = AssDocument::parse(
         u"Dialogue: 0,0:00:00.00,0:00:01.23,Default,Olly,First{ignored}.\n"
         u"Dialogue: 0,0:00:04:56,0:00:08:90,Default,Olly,Third, with a comma.\n"_s);
     EXPECT_EQ(bare.texts(), QStringList({u"First⟪1⟫."_s, u"Third, with a comma."_s}));
+    EXPECT_TRUE(bare.guessedFieldOrder());
     EXPECT_EQ(bare.timingSignature()[0].fields,
               QStringList({u"Dialogue"_s, u"0:00:00.00"_s, u"0:00:01.23"_s, u"0"_s, u"Default"_s,
                            u"Olly"_s}));
@@ -107,9 +114,11 @@ TEST(AssDocument, FindsEventsWithoutHeadersButNeverInsideAttachedData) {
         u"[Fonts]\nfontname: a_0.ttf\n[UU9:/?E]\nDIALOGUE:0,0:00:09.00,0:00:10.00,X,,0,0,0,,NOPE\n"
         u"[Script Info]\nDialogue: 0,0:00:01.00,0:00:02.00,Default,,0,0,0,,Real\n"_s);
     EXPECT_EQ(withFonts.texts(), QStringList({u"Real"_s}));
+    EXPECT_FALSE(loadFixture(u"five-field-format.ass"_s).guessedFieldOrder());
 }
 
-TEST(AssDocument, RefusesAScriptWithoutDialogueAndKeepsMalformedLines) {
+TEST(AssDocument, RefusesAScriptWithoutDialogueAndKeepsMalformedLines)
+{
     const QString message = u"El archivo ASS no contiene líneas de diálogo."_s;
     for (const QString& script : QStringList{
              u"[Script Info]\nTitle: nothing\n"_s,

@@ -10,7 +10,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString parseError(const QString& text) {
+QString parseError(const QString& text)
+{
     try {
         SrtDocument::parse(text);
     } catch (const SubtitleError& error) {
@@ -22,7 +23,8 @@ QString parseError(const QString& text) {
 
 } // namespace
 
-TEST(SrtDocument, KeepsTimestampsAndTrailingTimingTextVerbatim) {
+TEST(SrtDocument, KeepsTimestampsAndTrailingTimingTextVerbatim)
+{
     const SrtDocument document = SrtDocument::parse(
         QStringLiteral("7\r\n00:00:01.5 --> 00:00:02.25 X1:100 X2:200  \t\r\n  indented\r\n\r\n"
                        "8\r00:00:03,000-->00:00:04,4560\rglued\r\r"
@@ -41,7 +43,8 @@ TEST(SrtDocument, KeepsTimestampsAndTrailingTimingTextVerbatim) {
                              "9\n-0:00:05,1 --> 100:00:06,000\n\n\n"));
 }
 
-TEST(SrtDocument, KeepsNumbersAsWrittenAndNumbersOnlyWhatHasNone) {
+TEST(SrtDocument, KeepsNumbersAsWrittenAndNumbersOnlyWhatHasNone)
+{
     const SrtDocument document =
         SrtDocument::parse(QStringLiteral("0\n00:00:01,000 --> 00:00:02,000\na\n\n"
                                           "00:00:03,000 --> 00:00:04,000\nb\n\n"
@@ -53,7 +56,8 @@ TEST(SrtDocument, KeepsNumbersAsWrittenAndNumbersOnlyWhatHasNone) {
     EXPECT_EQ(numbers, QStringList({u"0"_s, u"2"_s, u"0"_s, u"4"_s}));
 }
 
-TEST(SrtDocument, DropsBlocksWithoutATimingLineAndReadsOn) {
+TEST(SrtDocument, DropsBlocksWithoutATimingLineAndReadsOn)
+{
     const SrtDocument document =
         SrtDocument::parse(QStringLiteral("1\nnot a time\nlost too\n\n"
                                           "2\n00:00:01 --> 00:00:02\n\n"
@@ -64,14 +68,16 @@ TEST(SrtDocument, DropsBlocksWithoutATimingLineAndReadsOn) {
     EXPECT_EQ(document.texts(), QStringList({u"kept"_s}));
 }
 
-TEST(SrtDocument, RefusesTextWithoutAReadableCue) {
+TEST(SrtDocument, RefusesTextWithoutAReadableCue)
+{
     const QString message = QStringLiteral("El archivo SRT no contiene ningún subtítulo legible.");
     EXPECT_EQ(parseError(QString()), message);
     EXPECT_EQ(parseError(QStringLiteral(" \n\t\r\n\n")), message);
     EXPECT_EQ(parseError(QStringLiteral("1\n00:00:01 --> 00:00:02\nno milliseconds\n")), message);
 }
 
-TEST(SrtDocument, SetTextsChangesOnlyTextsAndCannotBreakTheFile) {
+TEST(SrtDocument, SetTextsChangesOnlyTextsAndCannotBreakTheFile)
+{
     SrtDocument document =
         SrtDocument::parse(QStringLiteral("1\n00:00:01,000 --> 00:00:02,000\none\n\n"
                                           "2\n00:00:03,000 --> 00:00:04,000 X1:1\ntwo\nlines\n"));

@@ -22,7 +22,8 @@ const QByteArray oneCue = "1\n00:00:01,000 --> 00:00:02,000\nma\xC3\xB1"
 const QByteArray oneEvent =
     "[Events]\nFormat: Start, End, Text\nDialogue: 0:00:01.00,0:00:02.00,hola\n";
 
-QString writeFile(const QTemporaryDir& dir, const QString& name, const QByteArray& bytes) {
+QString writeFile(const QTemporaryDir& dir, const QString& name, const QByteArray& bytes)
+{
     const QString path = dir.filePath(name);
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::WriteOnly));
@@ -30,7 +31,8 @@ QString writeFile(const QTemporaryDir& dir, const QString& name, const QByteArra
     return path;
 }
 
-SrtDocument cues(int count, const QString& lastEnd = u"00:00:09,000"_s) {
+SrtDocument cues(int count, const QString& lastEnd = u"00:00:09,000"_s)
+{
     QList<SrtCue> list;
     for (int i = 1; i <= count; ++i)
         list.append({QString::number(i), u"00:00:01,000"_s,
@@ -38,7 +40,8 @@ SrtDocument cues(int count, const QString& lastEnd = u"00:00:09,000"_s) {
     return SrtDocument(list);
 }
 
-QString timingError(const SubtitleDocument& a, const SubtitleDocument& b) {
+QString timingError(const SubtitleDocument& a, const SubtitleDocument& b)
+{
     try {
         Subtitles::verifyTiming(a, b);
     } catch (const SubtitleError& error) {
@@ -50,7 +53,8 @@ QString timingError(const SubtitleDocument& a, const SubtitleDocument& b) {
 
 } // namespace
 
-TEST(TextDecoder, TriesUtf8ThenWindows1252ThenLatin1AndDropsTheMark) {
+TEST(TextDecoder, TriesUtf8ThenWindows1252ThenLatin1AndDropsTheMark)
+{
     EXPECT_EQ(TextDecoder::decode("\xEF\xBB\xBFma\xC3\xB1"
                                   "ana"),
               u"mañana"_s);
@@ -70,7 +74,8 @@ TEST(TextDecoder, TriesUtf8ThenWindows1252ThenLatin1AndDropsTheMark) {
     EXPECT_TRUE(text.contains(u"5 € – œuvre, Œuvre, l’été."_s));
 }
 
-TEST(Subtitles, LoadPicksTheParserByCodecOrFileName) {
+TEST(Subtitles, LoadPicksTheParserByCodecOrFileName)
+{
     QTemporaryDir dir;
     const QString assAsSrt = writeFile(dir, u"x.srt"_s, oneEvent);
     const QString assUpper = writeFile(dir, u"x.ASS"_s, oneEvent);
@@ -86,7 +91,8 @@ TEST(Subtitles, LoadPicksTheParserByCodecOrFileName) {
     }
 }
 
-TEST(Subtitles, ReadAndWriteFailuresNameTheFile) {
+TEST(Subtitles, ReadAndWriteFailuresNameTheFile)
+{
     QTemporaryDir dir;
     try {
         Subtitles::readText(dir.filePath(u"falta.srt"_s));
@@ -103,7 +109,8 @@ TEST(Subtitles, ReadAndWriteFailuresNameTheFile) {
     }
 }
 
-TEST(Subtitles, WritesUtf8WithoutAMarkReplacingTheFileWhole) {
+TEST(Subtitles, WritesUtf8WithoutAMarkReplacingTheFileWhole)
+{
     QTemporaryDir dir;
     const QString path = writeFile(dir, u"out.srt"_s, QByteArray(4096, 'z'));
     const SrtDocument document = SrtDocument::parse(QString::fromUtf8(oneCue));
@@ -114,7 +121,8 @@ TEST(Subtitles, WritesUtf8WithoutAMarkReplacingTheFileWhole) {
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList({u"out.srt"_s}));
 }
 
-TEST(Subtitles, VerifyTimingNamesTheFirstDifferenceOnly) {
+TEST(Subtitles, VerifyTimingNamesTheFirstDifferenceOnly)
+{
     EXPECT_EQ(timingError(cues(10), cues(9)), u"Cambió la cantidad de eventos: 10 -> 9"_s);
     SrtDocument drifted = cues(3, u"00:00:09,001"_s);
     QList<SrtCue> later = drifted.cues();
