@@ -76,9 +76,10 @@ void checkStripping(const SubtitleDocument& document)
         const StripSDH::Result result = StripSDH::apply(document, true);
         StripSDH::verifySubset(document, *result.document);
         const auto* ass = dynamic_cast<const AssDocument*>(&document);
-        if (ass == nullptr || !ass->guessedFieldOrder())
+        if (ass == nullptr || !ass->guessedFieldOrder()) {
             EXPECT_EQ(reparse(*result.document)->timingSignature(),
                       result.document->timingSignature());
+        }
     } catch (const SubtitleError& error) {
         EXPECT_TRUE(error.description().startsWith(u"Al quitar las descripciones"_s))
             << error.what();
@@ -100,8 +101,9 @@ void checkFile(const QString& path)
         return;
     }
     EXPECT_EQ(reparse(*document)->timingSignature(), document->timingSignature());
-    if (document->kind() == u"ass")
+    if (document->kind() == u"ass") {
         EXPECT_EQ(document->render(), text);
+    }
 
     const QString rendered = document->render();
     document->setTexts(document->texts());
