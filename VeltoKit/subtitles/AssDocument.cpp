@@ -10,17 +10,6 @@ namespace velto {
 
 namespace {
 
-QStringView trimmed(QStringView text)
-{
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && (text[begin] == u' ' || text[begin] == u'\t'))
-        ++begin;
-    while (end > begin && (text[end - 1] == u' ' || text[end - 1] == u'\t'))
-        --end;
-    return text.sliced(begin, end - begin);
-}
-
 bool isDataSection(const QString& section)
 {
     return section == u"[fonts]" || section == u"[graphics]";
@@ -68,7 +57,7 @@ KeyedLine keyOf(const QString& line)
     out.colon = line.indexOf(u':');
     if (out.colon < 0)
         return out;
-    out.key = trimmed(QStringView(line).first(out.colon)).toString().toLower();
+    out.key = trimSpacesAndTabs(QStringView(line).first(out.colon)).toLower();
     out.valueStart = out.colon + 1;
     while (out.valueStart < line.size() &&
            (line[out.valueStart] == u' ' || line[out.valueStart] == u'\t'))
@@ -135,10 +124,10 @@ QList<bool> eventScope(const QStringList& lines)
     QString current;
     bool hasEvents = false;
     for (const QString& line : lines) {
-        const QStringView text = trimmed(line);
+        const QString text = trimSpacesAndTabs(line);
         const bool header = isSectionHeader(text, current);
         if (header) {
-            current = text.toString().toLower();
+            current = text.toLower();
             hasEvents = hasEvents || current == u"[events]";
         }
         sectionOf.append(current);
@@ -176,7 +165,7 @@ struct AssDocument::Format {
     {
         QStringList names;
         for (QStringView name : value.split(u','))
-            names.append(trimmed(name).toString().toLower());
+            names.append(trimSpacesAndTabs(name).toLower());
         return fromNames(std::move(names));
     }
 
@@ -228,7 +217,7 @@ std::optional<AssDocument::Event> AssDocument::readEvent(const Line& line, const
         return std::nullopt;
     Event event;
     event.prefix = line.text.first(keyed.valueStart);
-    event.kind = trimmed(QStringView(line.text).first(keyed.colon)).toString();
+    event.kind = trimSpacesAndTabs(QStringView(line.text).first(keyed.colon));
     event.fields = std::move(*fields);
     event.textField = format.text;
     event.startField = format.start;

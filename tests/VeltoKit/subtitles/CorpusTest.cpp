@@ -111,6 +111,16 @@ void checkFile(const QString& path)
     checkStripping(*document);
 }
 
+void checkEveryFile(const QString& root)
+{
+    const QStringList files = subtitleFiles(root);
+    ASSERT_FALSE(files.isEmpty());
+    for (const QString& path : files) {
+        SCOPED_TRACE(path.toStdString());
+        checkFile(path);
+    }
+}
+
 } // namespace
 
 TEST(Corpus, MatchesItsChecksums)
@@ -138,20 +148,10 @@ TEST(Corpus, EveryFileLoadsOrHoldsNoCueAndRoundTrips)
 {
     if (!QFileInfo(corpusDir).isDir())
         GTEST_SKIP() << "no subtitle corpus at " << corpusDir.toStdString();
-    const QStringList files = subtitleFiles(corpusDir);
-    ASSERT_FALSE(files.isEmpty());
-    for (const QString& path : files) {
-        SCOPED_TRACE(path.toStdString());
-        checkFile(path);
-    }
+    checkEveryFile(corpusDir);
 }
 
 TEST(Corpus, EveryFixtureLoadsOrHoldsNoCueAndRoundTrips)
 {
-    const QStringList files = subtitleFiles(test::dataFile(QString()));
-    ASSERT_FALSE(files.isEmpty());
-    for (const QString& path : files) {
-        SCOPED_TRACE(path.toStdString());
-        checkFile(path);
-    }
+    checkEveryFile(testDataFile(QString()));
 }

@@ -2,9 +2,9 @@
 
 #include <ostream>
 
-#include <QString>
 #include <QStringList>
 
+#include "VeltoKit/subtitles/SubtitleError.h"
 #include "VeltoKit/subtitles/TimingSignature.h"
 
 // Readable failure output: gtest would otherwise print these as raw bytes.
@@ -25,13 +25,35 @@ inline void PrintTo(const TimingSignature& signature, std::ostream* out)
     *out << signature.toListNotation().toStdString();
 }
 
-} // namespace velto
-
-namespace velto::test {
-
-inline QString dataFile(const QString& name)
+inline QString testDataFile(const QString& name)
 {
     return QStringLiteral(VELTO_TEST_DATA_DIR "/subtitles/") + name;
 }
 
-} // namespace velto::test
+// The description of the error an operation throws, or "(no error)".
+template <typename Error, typename Operation>
+QString errorOf(Operation operation)
+{
+    try {
+        operation();
+    } catch (const Error& error) {
+        return error.description();
+    }
+    return QStringLiteral("(no error)");
+}
+
+// "empty: <message>" or "timingChanged: <message>", or "(no error)".
+template <typename Operation>
+QString subtitleErrorOf(Operation operation)
+{
+    try {
+        operation();
+    } catch (const SubtitleError& error) {
+        const bool empty = error.kind() == SubtitleError::Kind::empty;
+        return (empty ? QStringLiteral("empty: ") : QStringLiteral("timingChanged: ")) +
+               error.description();
+    }
+    return QStringLiteral("(no error)");
+}
+
+} // namespace velto
