@@ -227,11 +227,9 @@ std::optional<AssDocument::Event> AssDocument::readEvent(const Line& line, const
 
 AssDocument AssDocument::parse(const QString& source)
 {
-    const QStringView text =
-        source.startsWith(u'\uFEFF') ? QStringView(source).sliced(1) : QStringView(source);
     QList<Line> lines;
     QStringList lineTexts;
-    for (auto& [line, ending] : splitLines(text)) {
+    for (auto& [line, ending] : splitLines(source)) {
         lineTexts.append(line);
         lines.append(Line{std::move(line), std::move(ending), std::nullopt});
     }

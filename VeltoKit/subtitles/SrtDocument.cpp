@@ -56,7 +56,7 @@ SrtDocument::SrtDocument(QList<SrtCue> cues)
 
 SrtDocument SrtDocument::parse(const QString& source)
 {
-    const QString text = withNewlines(source.startsWith(u'\uFEFF') ? source.mid(1) : source);
+    const QString text = withNewlines(source);
     const QList<QStringView> lines = QStringView(text).split(u'\n');
     const qsizetype count = lines.size();
     QList<SrtCue> cues;

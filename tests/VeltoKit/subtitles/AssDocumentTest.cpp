@@ -60,7 +60,7 @@ TEST(AssDocument, KeepsEveryLineAndRestoresPlaceholdersFromASloppyTranslation)
     const QString head = u"[Script Info]\r\nTitle: mixed line ends\r[Events]\n"_s + standardFormat;
     const QString comment = u"Comment: 0,0:00:02.00,0:00:03.00,Default,,0,0,0,,{\\i1}note\r"_s;
     AssDocument document = AssDocument::parse(
-        u'\uFEFF' + head +
+        head +
         u"Dialogue: 0,0:00:01.00,0:00:02.00,Default,,0,0,0,,{\\an8}A\\NB{\\i1}C\r\n"_s + comment +
         u"Dialogue: 0,0:00:03.00,0:00:04.00,Default,,0,0,0,,x ⟪2⟫ y"_s);
     EXPECT_EQ(document.texts(), QStringList({u"⟪1⟫A⟪2⟫B⟪3⟫C"_s, u"x ⟪1⟫ y"_s}));
