@@ -114,8 +114,8 @@ Result stripSrt(const SrtDocument& document, bool stripParens)
     }
     if (kept.isEmpty())
         throw SubtitleError::empty(
-            QStringLiteral("Al quitar las descripciones no quedó ningún "
-                           "subtítulo: la pista era íntegramente descriptiva."));
+            QStringLiteral("Al quitar las descripciones no quedó ningún subtítulo: "
+                           "la pista era íntegramente descriptiva."));
     result.document = std::make_shared<SrtDocument>(std::move(kept));
     return result;
 }
