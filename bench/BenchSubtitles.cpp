@@ -11,8 +11,7 @@ using namespace velto;
 
 namespace {
 
-QString timestamp(qint64 ms, QChar separator)
-{
+QString timestamp(qint64 ms, QChar separator) {
     return QStringLiteral("%1:%2:%3%4%5")
         .arg(ms / 3'600'000, 2, 10, QLatin1Char('0'))
         .arg(ms / 60'000 % 60, 2, 10, QLatin1Char('0'))
@@ -23,8 +22,7 @@ QString timestamp(qint64 ms, QChar separator)
 
 // Cues of one or two lines of ordinary dialogue, every tenth one an SDH description, spread
 // evenly over the running time: 1,500 cues make a two-hour film.
-QString generatedSrt(int cues)
-{
+QString generatedSrt(int cues) {
     QString text;
     const qint64 step = 4'800;
     for (int i = 0; i < cues; ++i) {
@@ -41,8 +39,7 @@ QString generatedSrt(int cues)
     return text;
 }
 
-QString generatedAss(int events)
-{
+QString generatedAss(int events) {
     QString text = QStringLiteral(
         "[Script Info]\nScriptType: v4.00+\n\n[Events]\nFormat: Layer, Start, End, Style, Name, "
         "MarginL, MarginR, MarginV, Effect, Text\n");
@@ -56,21 +53,18 @@ QString generatedAss(int events)
     return text;
 }
 
-void setBytes(benchmark::State& state, const QString& text)
-{
+void setBytes(benchmark::State& state, const QString& text) {
     state.SetBytesProcessed(qint64(state.iterations()) * text.toUtf8().size());
 }
 
-void parseSrt(benchmark::State& state)
-{
+void parseSrt(benchmark::State& state) {
     const QString text = generatedSrt(int(state.range(0)));
     for (auto _ : state)
         benchmark::DoNotOptimize(SrtDocument::parse(text));
     setBytes(state, text);
 }
 
-void renderSrt(benchmark::State& state)
-{
+void renderSrt(benchmark::State& state) {
     const QString text = generatedSrt(int(state.range(0)));
     const SrtDocument document = SrtDocument::parse(text);
     for (auto _ : state)
@@ -78,16 +72,14 @@ void renderSrt(benchmark::State& state)
     setBytes(state, text);
 }
 
-void parseAss(benchmark::State& state)
-{
+void parseAss(benchmark::State& state) {
     const QString text = generatedAss(int(state.range(0)));
     for (auto _ : state)
         benchmark::DoNotOptimize(AssDocument::parse(text));
     setBytes(state, text);
 }
 
-void renderAss(benchmark::State& state)
-{
+void renderAss(benchmark::State& state) {
     const QString text = generatedAss(int(state.range(0)));
     const AssDocument document = AssDocument::parse(text);
     for (auto _ : state)
@@ -95,8 +87,7 @@ void renderAss(benchmark::State& state)
     setBytes(state, text);
 }
 
-void textsRoundTripAss(benchmark::State& state)
-{
+void textsRoundTripAss(benchmark::State& state) {
     const QString text = generatedAss(int(state.range(0)));
     AssDocument document = AssDocument::parse(text);
     for (auto _ : state)
@@ -104,8 +95,7 @@ void textsRoundTripAss(benchmark::State& state)
     setBytes(state, text);
 }
 
-void stripSrt(benchmark::State& state)
-{
+void stripSrt(benchmark::State& state) {
     const QString text = generatedSrt(int(state.range(0)));
     const SrtDocument document = SrtDocument::parse(text);
     for (auto _ : state)

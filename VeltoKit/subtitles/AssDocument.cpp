@@ -10,21 +10,18 @@ namespace velto {
 
 namespace {
 
-bool isDataSection(const QString& section)
-{
+bool isDataSection(const QString& section) {
     return section == u"[fonts]" || section == u"[graphics]";
 }
 
-bool isStylesSection(const QString& section)
-{
+bool isStylesSection(const QString& section) {
     return section.startsWith(u"[v4") && section.endsWith(u"styles]");
 }
 
 // Attached fonts and pictures are uuencoded with the characters '!' to '`', so a data line
 // may well look like "[9:/?E]...". A header there must name a known section or hold a
 // character (a lower-case letter, a space) that the encoding never produces.
-bool isSectionHeader(QStringView line, const QString& currentSection)
-{
+bool isSectionHeader(QStringView line, const QString& currentSection) {
     if (line.size() < 2 || !line.startsWith(u'[') || !line.endsWith(u']'))
         return false;
     if (!isDataSection(currentSection))
@@ -51,8 +48,7 @@ struct KeyedLine {
     qsizetype valueStart = 0;
 };
 
-KeyedLine keyOf(const QString& line)
-{
+KeyedLine keyOf(const QString& line) {
     KeyedLine out;
     out.colon = line.indexOf(u':');
     if (out.colon < 0)
@@ -65,15 +61,13 @@ KeyedLine keyOf(const QString& line)
     return out;
 }
 
-bool isEventKey(const QString& key)
-{
+bool isEventKey(const QString& key) {
     return key == u"dialogue" || key == u"comment";
 }
 
 // Takes the fields before Text from the left and those after it from the right, so the text
 // keeps its commas wherever it sits. std::nullopt when the line has too few fields.
-std::optional<QStringList> splitFields(QStringView value, qsizetype count, qsizetype textField)
-{
+std::optional<QStringList> splitFields(QStringView value, qsizetype count, qsizetype textField) {
     QStringList fields;
     qsizetype from = 0;
     for (qsizetype k = 0; k < textField; ++k) {
@@ -98,8 +92,7 @@ std::optional<QStringList> splitFields(QStringView value, qsizetype count, qsize
 }
 
 // Each line with its own ending, so that nothing about the file's line ends is lost.
-QList<std::pair<QString, QString>> splitLines(QStringView text)
-{
+QList<std::pair<QString, QString>> splitLines(QStringView text) {
     QList<std::pair<QString, QString>> lines;
     qsizetype start = 0;
     for (qsizetype i = 0; i < text.size(); ++i) {
@@ -117,8 +110,7 @@ QList<std::pair<QString, QString>> splitLines(QStringView text)
 }
 
 // Whether each line may hold the events' Format: and event lines.
-QList<bool> eventScope(const QStringList& lines)
-{
+QList<bool> eventScope(const QStringList& lines) {
     QStringList sectionOf;
     QList<bool> isHeader;
     QString current;
@@ -151,8 +143,7 @@ struct AssDocument::Format {
     qsizetype start = -1;
     qsizetype end = -1;
 
-    static Format fromNames(QStringList names)
-    {
+    static Format fromNames(QStringList names) {
         Format out;
         out.text = names.indexOf(QStringLiteral("text"));
         out.start = names.indexOf(QStringLiteral("start"));
@@ -161,8 +152,7 @@ struct AssDocument::Format {
         return out;
     }
 
-    static Format fromLine(QStringView value)
-    {
+    static Format fromLine(QStringView value) {
         QStringList names;
         for (QStringView name : value.split(u','))
             names.append(trimSpacesAndTabs(name).toLower());
@@ -170,8 +160,7 @@ struct AssDocument::Format {
     }
 
     // The standard order, cut to the shortest event line when every line is shorter.
-    static Format implicit(const QStringList& values)
-    {
+    static Format implicit(const QStringList& values) {
         QStringList names = {QStringLiteral("layer"),   QStringLiteral("start"),
                              QStringLiteral("end"),     QStringLiteral("style"),
                              QStringLiteral("name"),    QStringLiteral("marginl"),
@@ -191,23 +180,18 @@ struct AssDocument::Format {
     }
 };
 
-bool AssDocument::Event::isDialogue() const
-{
+bool AssDocument::Event::isDialogue() const {
     return kind.compare(u"dialogue", Qt::CaseInsensitive) == 0;
 }
 
-QString AssDocument::Event::line() const
-{
+QString AssDocument::Event::line() const {
     return prefix + fields.join(u',');
 }
 
 AssDocument::AssDocument(QList<Line> lines)
-    : m_lines(std::move(lines))
-{
-}
+    : m_lines(std::move(lines)) {}
 
-std::optional<AssDocument::Event> AssDocument::readEvent(const Line& line, const Format& format)
-{
+std::optional<AssDocument::Event> AssDocument::readEvent(const Line& line, const Format& format) {
     if (format.text < 0)
         return std::nullopt;
     const KeyedLine keyed = keyOf(line.text);
@@ -225,8 +209,7 @@ std::optional<AssDocument::Event> AssDocument::readEvent(const Line& line, const
     return event;
 }
 
-AssDocument AssDocument::parse(const QString& source)
-{
+AssDocument AssDocument::parse(const QString& source) {
     QList<Line> lines;
     QStringList lineTexts;
     for (auto& [line, ending] : splitLines(source)) {
@@ -267,18 +250,15 @@ AssDocument AssDocument::parse(const QString& source)
     return document;
 }
 
-QString AssDocument::fileExtension() const
-{
+QString AssDocument::fileExtension() const {
     return QStringLiteral(".ass");
 }
 
-QString AssDocument::kind() const
-{
+QString AssDocument::kind() const {
     return QStringLiteral("ass");
 }
 
-QStringList AssDocument::dialogueTexts() const
-{
+QStringList AssDocument::dialogueTexts() const {
     QStringList out;
     for (const Line& line : m_lines) {
         if (line.event && line.event->isDialogue())
@@ -287,16 +267,14 @@ QStringList AssDocument::dialogueTexts() const
     return out;
 }
 
-QStringList AssDocument::texts() const
-{
+QStringList AssDocument::texts() const {
     QStringList out = dialogueTexts();
     for (QString& text : out)
         text = AssPlaceholders::protect(text).text;
     return out;
 }
 
-void AssDocument::setTexts(const QStringList& texts)
-{
+void AssDocument::setTexts(const QStringList& texts) {
     const QStringList current = dialogueTexts();
     if (texts.size() != current.size())
         throw SubtitleError::textCountMismatch(current.size(), texts.size());
@@ -308,8 +286,7 @@ void AssDocument::setTexts(const QStringList& texts)
     rewriteDialogues(restored);
 }
 
-void AssDocument::rewriteDialogues(const QList<std::optional<QString>>& texts)
-{
+void AssDocument::rewriteDialogues(const QList<std::optional<QString>>& texts) {
     const qsizetype dialogues = dialogueTexts().size();
     if (texts.size() != dialogues)
         throw SubtitleError::textCountMismatch(dialogues, texts.size());
@@ -335,8 +312,7 @@ void AssDocument::rewriteDialogues(const QList<std::optional<QString>>& texts)
     m_lines = std::move(lines);
 }
 
-QList<TimingSignature> AssDocument::timingSignature() const
-{
+QList<TimingSignature> AssDocument::timingSignature() const {
     QList<TimingSignature> out;
     for (const Line& line : m_lines) {
         if (!line.event)
@@ -353,8 +329,7 @@ QList<TimingSignature> AssDocument::timingSignature() const
     return out;
 }
 
-QString AssDocument::render() const
-{
+QString AssDocument::render() const {
     qsizetype size = 0;
     for (const Line& line : m_lines)
         size += line.text.size() + line.ending.size();
@@ -365,8 +340,7 @@ QString AssDocument::render() const
     return out;
 }
 
-std::unique_ptr<SubtitleDocument> AssDocument::clone() const
-{
+std::unique_ptr<SubtitleDocument> AssDocument::clone() const {
     return std::make_unique<AssDocument>(*this);
 }
 

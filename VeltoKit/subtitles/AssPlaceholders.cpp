@@ -7,16 +7,14 @@ namespace velto::AssPlaceholders {
 namespace {
 
 // Models sometimes pad a placeholder with spaces; it is still the same placeholder.
-const QRegularExpression& placeholderPattern()
-{
+const QRegularExpression& placeholderPattern() {
     static const QRegularExpression pattern(QStringLiteral("⟪\\s*(\\d+)\\s*⟫"),
                                             QRegularExpression::UseUnicodePropertiesOption);
     return pattern;
 }
 
 // Whatever restore() would read as a placeholder is protected as well.
-const QRegularExpression& protectedParts()
-{
+const QRegularExpression& protectedParts() {
     static const QRegularExpression pattern(QStringLiteral("\\{[^{}]*\\}|\\\\[Nnh]|") +
                                                 placeholderPattern().pattern(),
                                             QRegularExpression::UseUnicodePropertiesOption);
@@ -25,13 +23,11 @@ const QRegularExpression& protectedParts()
 
 } // namespace
 
-QString placeholder(qsizetype number)
-{
+QString placeholder(qsizetype number) {
     return u'⟪' + QString::number(number) + u'⟫';
 }
 
-Protected protect(QStringView text)
-{
+Protected protect(QStringView text) {
     Protected out;
     qsizetype copied = 0;
     QRegularExpressionMatchIterator it = protectedParts().globalMatch(text);
@@ -46,8 +42,7 @@ Protected protect(QStringView text)
     return out;
 }
 
-QString restore(QStringView text, const QStringList& tokens)
-{
+QString restore(QStringView text, const QStringList& tokens) {
     QString out;
     qsizetype copied = 0;
     QRegularExpressionMatchIterator it = placeholderPattern().globalMatch(text);

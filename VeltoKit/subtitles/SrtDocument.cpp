@@ -9,8 +9,7 @@ namespace velto {
 
 namespace {
 
-const QRegularExpression& timingLine()
-{
+const QRegularExpression& timingLine() {
     static const QRegularExpression pattern(
         QStringLiteral("^\\s*(-?\\d{1,3}:\\d{2}:\\d{2}[,.]\\d{1,3})\\s*-->\\s*"
                        "(-?\\d{1,3}:\\d{2}:\\d{2}[,.]\\d{1,3})(.*)$"),
@@ -18,8 +17,7 @@ const QRegularExpression& timingLine()
     return pattern;
 }
 
-bool isBlank(QStringView line)
-{
+bool isBlank(QStringView line) {
     for (QChar c : line) {
         if (c != u' ' && c != u'\t')
             return false;
@@ -27,8 +25,7 @@ bool isBlank(QStringView line)
     return true;
 }
 
-QString withNewlines(const QString& text)
-{
+QString withNewlines(const QString& text) {
     QString out = text;
     out.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     out.replace(u'\r', u'\n');
@@ -36,8 +33,7 @@ QString withNewlines(const QString& text)
 }
 
 // A blank line ends a cue, so a text that carries one would split its cue when read back.
-QString asCueText(const QString& text)
-{
+QString asCueText(const QString& text) {
     QStringList lines;
     const QString normalised = withNewlines(text);
     for (QStringView line : QStringView(normalised).split(u'\n')) {
@@ -50,12 +46,9 @@ QString asCueText(const QString& text)
 } // namespace
 
 SrtDocument::SrtDocument(QList<SrtCue> cues)
-    : m_cues(std::move(cues))
-{
-}
+    : m_cues(std::move(cues)) {}
 
-SrtDocument SrtDocument::parse(const QString& source)
-{
+SrtDocument SrtDocument::parse(const QString& source) {
     const QString text = withNewlines(source);
     const QList<QStringView> lines = QStringView(text).split(u'\n');
     const qsizetype count = lines.size();
@@ -95,18 +88,15 @@ SrtDocument SrtDocument::parse(const QString& source)
     return SrtDocument(std::move(cues));
 }
 
-QString SrtDocument::fileExtension() const
-{
+QString SrtDocument::fileExtension() const {
     return QStringLiteral(".srt");
 }
 
-QString SrtDocument::kind() const
-{
+QString SrtDocument::kind() const {
     return QStringLiteral("srt");
 }
 
-QStringList SrtDocument::texts() const
-{
+QStringList SrtDocument::texts() const {
     QStringList out;
     out.reserve(m_cues.size());
     for (const SrtCue& cue : m_cues)
@@ -114,16 +104,14 @@ QStringList SrtDocument::texts() const
     return out;
 }
 
-void SrtDocument::setTexts(const QStringList& texts)
-{
+void SrtDocument::setTexts(const QStringList& texts) {
     if (texts.size() != m_cues.size())
         throw SubtitleError::textCountMismatch(m_cues.size(), texts.size());
     for (qsizetype k = 0; k < texts.size(); ++k)
         m_cues[k].text = asCueText(texts[k]);
 }
 
-QList<TimingSignature> SrtDocument::timingSignature() const
-{
+QList<TimingSignature> SrtDocument::timingSignature() const {
     QList<TimingSignature> out;
     out.reserve(m_cues.size());
     for (const SrtCue& cue : m_cues)
@@ -131,8 +119,7 @@ QList<TimingSignature> SrtDocument::timingSignature() const
     return out;
 }
 
-QString SrtDocument::render() const
-{
+QString SrtDocument::render() const {
     qsizetype size = 1;
     for (const SrtCue& cue : m_cues)
         size += cue.number.size() + cue.start.size() + cue.end.size() + cue.extra.size() +
@@ -151,8 +138,7 @@ QString SrtDocument::render() const
     return out;
 }
 
-std::unique_ptr<SubtitleDocument> SrtDocument::clone() const
-{
+std::unique_ptr<SubtitleDocument> SrtDocument::clone() const {
     return std::make_unique<SrtDocument>(*this);
 }
 

@@ -15,57 +15,48 @@ namespace velto::StripSDH {
 
 namespace {
 
-QRegularExpression unicodePattern(const QString& pattern)
-{
+QRegularExpression unicodePattern(const QString& pattern) {
     return QRegularExpression(pattern, QRegularExpression::UseUnicodePropertiesOption);
 }
 
-const QRegularExpression& bracket()
-{
+const QRegularExpression& bracket() {
     static const QRegularExpression pattern = unicodePattern(QStringLiteral("\\[[^\\[\\]]*\\]"));
     return pattern;
 }
 
-const QRegularExpression& parentheses()
-{
+const QRegularExpression& parentheses() {
     static const QRegularExpression pattern = unicodePattern(QStringLiteral("\\([^()]*\\)"));
     return pattern;
 }
 
-const QRegularExpression& speaker()
-{
+const QRegularExpression& speaker() {
     static const QRegularExpression pattern = unicodePattern(
         QStringLiteral("^\\s*(?:[-–—]\\s*)?[A-ZÁÉÍÓÚÜÑ][A-ZÁÉÍÓÚÜÑ0-9 .#'’\\-]{1,24}:\\s*"));
     return pattern;
 }
 
-const QRegularExpression& emptyTag()
-{
+const QRegularExpression& emptyTag() {
     static const QRegularExpression pattern =
         unicodePattern(QStringLiteral("<(\\w+)[^>]*>\\s*</\\1>"));
     return pattern;
 }
 
-const QRegularExpression& whitespaceRun()
-{
+const QRegularExpression& whitespaceRun() {
     static const QRegularExpression pattern = unicodePattern(QStringLiteral("[ \\t]+"));
     return pattern;
 }
 
-const QRegularExpression& musicOnly()
-{
+const QRegularExpression& musicOnly() {
     static const QRegularExpression pattern = unicodePattern(QStringLiteral("^[\\s♪♫#*~-]*$"));
     return pattern;
 }
 
-const QRegularExpression& dialogDash()
-{
+const QRegularExpression& dialogDash() {
     static const QRegularExpression pattern = unicodePattern(QStringLiteral("^\\s*[-–—]\\s*"));
     return pattern;
 }
 
-std::optional<QString> strippedLine(QStringView original)
-{
+std::optional<QString> strippedLine(QStringView original) {
     QString line = original.toString();
     const QRegularExpressionMatch label = speaker().match(line);
     if (label.hasMatch()) {
@@ -85,8 +76,7 @@ std::optional<QString> strippedLine(QStringView original)
     return line;
 }
 
-QString visible(QStringView text)
-{
+QString visible(QStringView text) {
     QString out;
     for (QChar c : text) {
         if (!c.isSpace())
@@ -95,13 +85,11 @@ QString visible(QStringView text)
     return out;
 }
 
-bool lostSomething(QStringView before, const std::optional<QString>& after)
-{
+bool lostSomething(QStringView before, const std::optional<QString>& after) {
     return visible(before) != visible(after.value_or(QString()));
 }
 
-Result stripSrt(const SrtDocument& document, bool stripParens)
-{
+Result stripSrt(const SrtDocument& document, bool stripParens) {
     Result result;
     QList<SrtCue> kept;
     for (const SrtCue& cue : document.cues()) {
@@ -123,8 +111,7 @@ Result stripSrt(const SrtDocument& document, bool stripParens)
 // Override blocks stay aside as placeholders, except that \N becomes a real line break so that
 // a description on a line of its own takes its line with it. Leading overrides ({\an8}, {\i1})
 // are held out so that a label or a dash behind them is still at the start of the text.
-std::optional<QString> stripAssText(const QString& raw, bool stripParens)
-{
+std::optional<QString> stripAssText(const QString& raw, bool stripParens) {
     const AssPlaceholders::Protected hidden = AssPlaceholders::protect(raw);
     QString work = hidden.text;
     for (qsizetype k = 0; k < hidden.tokens.size(); ++k) {
@@ -143,8 +130,7 @@ std::optional<QString> stripAssText(const QString& raw, bool stripParens)
     return restored.replace(u'\n', QStringLiteral("\\N"));
 }
 
-Result stripAss(const AssDocument& document, bool stripParens)
-{
+Result stripAss(const AssDocument& document, bool stripParens) {
     Result result;
     QList<std::optional<QString>> texts;
     bool anyLeft = false;
@@ -162,8 +148,7 @@ Result stripAss(const AssDocument& document, bool stripParens)
     return result;
 }
 
-QString timingKey(const TimingSignature& signature)
-{
+QString timingKey(const TimingSignature& signature) {
     if (signature.fields.size() >= 3)
         return signature.fields[1] + u'|' + signature.fields[2];
     return signature.fields.join(u'|');
@@ -171,8 +156,7 @@ QString timingKey(const TimingSignature& signature)
 
 } // namespace
 
-std::optional<QString> text(const QString& text, bool stripParens)
-{
+std::optional<QString> text(const QString& text, bool stripParens) {
     QString work = text;
     work.remove(bracket());
     if (stripParens)
@@ -193,8 +177,7 @@ std::optional<QString> text(const QString& text, bool stripParens)
     return only;
 }
 
-Result apply(const SubtitleDocument& document, bool stripParens)
-{
+Result apply(const SubtitleDocument& document, bool stripParens) {
     if (const auto* srt = dynamic_cast<const SrtDocument*>(&document))
         return stripSrt(*srt, stripParens);
     if (const auto* ass = dynamic_cast<const AssDocument*>(&document))
@@ -202,8 +185,7 @@ Result apply(const SubtitleDocument& document, bool stripParens)
     throw std::invalid_argument("StripSDH::apply knows SRT and ASS documents only");
 }
 
-void verifySubset(const SubtitleDocument& full, const SubtitleDocument& stripped)
-{
+void verifySubset(const SubtitleDocument& full, const SubtitleDocument& stripped) {
     QSet<QString> known;
     for (const TimingSignature& signature : full.timingSignature())
         known.insert(timingKey(signature));

@@ -4,22 +4,17 @@ namespace velto {
 
 SubtitleError::SubtitleError(Kind kind, const QString& message)
     : VeltoError(message)
-    , m_kind(kind)
-{
-}
+    , m_kind(kind) {}
 
-SubtitleError SubtitleError::empty(const QString& message)
-{
+SubtitleError SubtitleError::empty(const QString& message) {
     return SubtitleError(Kind::empty, message);
 }
 
-SubtitleError SubtitleError::timingChanged(const QString& message)
-{
+SubtitleError SubtitleError::timingChanged(const QString& message) {
     return SubtitleError(Kind::timingChanged, message);
 }
 
-SubtitleError SubtitleError::textCountMismatch(qsizetype expected, qsizetype received)
-{
+SubtitleError SubtitleError::textCountMismatch(qsizetype expected, qsizetype received) {
     return empty(QStringLiteral("Se esperaban ") + QString::number(expected) +
                  QStringLiteral(" textos y llegaron ") + QString::number(received));
 }

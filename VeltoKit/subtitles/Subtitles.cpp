@@ -15,19 +15,16 @@ namespace velto::Subtitles {
 
 namespace {
 
-QString quotedName(const QString& path)
-{
+QString quotedName(const QString& path) {
     return u'«' + QFileInfo(path).fileName() + u'»';
 }
 
 // Qt's own explanation is English; it goes in quotes inside our sentence.
-QString systemSaid(const QFileDevice& file)
-{
+QString systemSaid(const QFileDevice& file) {
     return QStringLiteral("el sistema respondió «") + file.errorString() + QStringLiteral("».");
 }
 
-QString whyUnreadable(const QString& path, const QFile& file)
-{
+QString whyUnreadable(const QString& path, const QFile& file) {
     const QFileInfo info(path);
     if (!info.exists())
         return QStringLiteral("el archivo no existe.");
@@ -38,8 +35,7 @@ QString whyUnreadable(const QString& path, const QFile& file)
     return systemSaid(file);
 }
 
-QString whyUnwritable(const QString& path, const QSaveFile& file)
-{
+QString whyUnwritable(const QString& path, const QSaveFile& file) {
     const QFileInfo info(path);
     if (!info.absoluteDir().exists())
         return QStringLiteral("la carpeta no existe.");
@@ -50,8 +46,7 @@ QString whyUnwritable(const QString& path, const QSaveFile& file)
     return systemSaid(file);
 }
 
-bool isAss(const QString& path, const QString& codec)
-{
+bool isAss(const QString& path, const QString& codec) {
     const QString lowerCodec = codec.toLower();
     const QString name = QFileInfo(path).fileName().toLower();
     return lowerCodec == u"ass" || lowerCodec == u"ssa" || name.endsWith(u".ass") ||
@@ -60,8 +55,7 @@ bool isAss(const QString& path, const QString& codec)
 
 } // namespace
 
-QString readText(const QString& path)
-{
+QString readText(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         throw FileError(QStringLiteral("No pude leer ") + quotedName(path) + QStringLiteral(": ") +
@@ -73,16 +67,14 @@ QString readText(const QString& path)
     return TextDecoder::decode(bytes);
 }
 
-std::shared_ptr<SubtitleDocument> load(const QString& path, const QString& codec)
-{
+std::shared_ptr<SubtitleDocument> load(const QString& path, const QString& codec) {
     const QString text = readText(path);
     if (isAss(path, codec))
         return std::make_shared<AssDocument>(AssDocument::parse(text));
     return std::make_shared<SrtDocument>(SrtDocument::parse(text));
 }
 
-void write(const SubtitleDocument& document, const QString& path)
-{
+void write(const SubtitleDocument& document, const QString& path) {
     const QByteArray bytes = document.render().toUtf8();
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
@@ -90,8 +82,7 @@ void write(const SubtitleDocument& document, const QString& path)
                         QStringLiteral(": ") + whyUnwritable(path, file));
 }
 
-void verifyTiming(const SubtitleDocument& source, const SubtitleDocument& rebuilt)
-{
+void verifyTiming(const SubtitleDocument& source, const SubtitleDocument& rebuilt) {
     const QList<TimingSignature> before = source.timingSignature();
     const QList<TimingSignature> after = rebuilt.timingSignature();
     if (before.size() != after.size())

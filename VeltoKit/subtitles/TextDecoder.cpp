@@ -15,8 +15,7 @@ constexpr std::array<char16_t, 32> windows1252High = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178,
 };
 
-std::optional<QString> strict(QStringDecoder::Encoding encoding, const QByteArray& bytes)
-{
+std::optional<QString> strict(QStringDecoder::Encoding encoding, const QByteArray& bytes) {
     QStringDecoder decoder(encoding, QStringDecoder::Flag::Stateless);
     QString text = decoder.decode(bytes);
     if (decoder.hasError())
@@ -26,8 +25,7 @@ std::optional<QString> strict(QStringDecoder::Encoding encoding, const QByteArra
 
 // A UTF-16 byte-order mark cannot open a valid UTF-8 file (0xFF and 0xFE never occur in UTF-8),
 // and people do hand us such files: take the mark at its word rather than read mojibake.
-std::optional<QString> utf16ByMark(const QByteArray& bytes)
-{
+std::optional<QString> utf16ByMark(const QByteArray& bytes) {
     if (bytes.startsWith("\xFF\xFE"))
         return QStringDecoder(QStringDecoder::Utf16LE).decode(bytes);
     if (bytes.startsWith("\xFE\xFF"))
@@ -37,13 +35,11 @@ std::optional<QString> utf16ByMark(const QByteArray& bytes)
 
 } // namespace
 
-std::optional<QString> utf8(const QByteArray& bytes)
-{
+std::optional<QString> utf8(const QByteArray& bytes) {
     return strict(QStringDecoder::Utf8, bytes);
 }
 
-std::optional<QString> windows1252(const QByteArray& bytes)
-{
+std::optional<QString> windows1252(const QByteArray& bytes) {
     QString text(bytes.size(), Qt::Uninitialized);
     QChar* out = text.data();
     for (char byte : bytes) {
@@ -60,8 +56,7 @@ std::optional<QString> windows1252(const QByteArray& bytes)
     return text;
 }
 
-QString decode(const QByteArray& bytes)
-{
+QString decode(const QByteArray& bytes) {
     std::optional<QString> text = utf16ByMark(bytes);
     if (!text)
         text = utf8(bytes);

@@ -2,8 +2,7 @@
 
 namespace velto {
 
-QString TimingSignature::toListNotation() const
-{
+QString TimingSignature::toListNotation() const {
     QString out = QStringLiteral("[");
     for (qsizetype i = 0; i < fields.size(); ++i) {
         if (i > 0)

@@ -5,8 +5,7 @@
 
 using namespace velto;
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
-{
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QString text = fuzz::decoded(data, size);
     std::optional<AssDocument> document;
     try {

@@ -9,8 +9,7 @@ using namespace velto;
 
 namespace {
 
-std::unique_ptr<SubtitleDocument> parse(bool ass, const QString& text)
-{
+std::unique_ptr<SubtitleDocument> parse(bool ass, const QString& text) {
     if (ass)
         return std::make_unique<AssDocument>(AssDocument::parse(text));
     return std::make_unique<SrtDocument>(SrtDocument::parse(text));
@@ -18,8 +17,7 @@ std::unique_ptr<SubtitleDocument> parse(bool ass, const QString& text)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
-{
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0)
         return 0;
     const bool ass = (data[0] & 1) != 0;

@@ -13,15 +13,13 @@ namespace {
 const QString standardFormat =
     u"Format: Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\n"_s;
 
-AssDocument loadFixture(const QString& name)
-{
+AssDocument loadFixture(const QString& name) {
     return AssDocument::parse(Subtitles::readText(testDataFile(name)));
 }
 
 } // namespace
 
-TEST(AssDocument, ReadsFieldsByTheFormatLineWhateverItsOrder)
-{
+TEST(AssDocument, ReadsFieldsByTheFormatLineWhateverItsOrder) {
     AssDocument odd = loadFixture(u"odd-format-order.ass"_s);
     EXPECT_EQ(odd.texts(),
               QStringList({u"Text first, then the rest"_s, u"A second line, it too has commas"_s}));
@@ -41,8 +39,7 @@ TEST(AssDocument, ReadsFieldsByTheFormatLineWhateverItsOrder)
                   {u"Five fields only, and a comma."_s, u"⟪1⟫Second one⟪2⟫with a hard space."_s}));
 }
 
-TEST(AssDocument, CommentEventsAreTimedButNeverTranslated)
-{
+TEST(AssDocument, CommentEventsAreTimedButNeverTranslated) {
     const AssDocument document = loadFixture(u"comments-and-actor.ass"_s);
     QStringList kinds;
     for (const TimingSignature& signature : document.timingSignature())
@@ -55,14 +52,12 @@ TEST(AssDocument, CommentEventsAreTimedButNeverTranslated)
                            u"[door slams]⟪1⟫Out. With friends."_s, u"⟪1⟫ANNA: Which friends?"_s}));
 }
 
-TEST(AssDocument, KeepsEveryLineAndRestoresPlaceholdersFromASloppyTranslation)
-{
+TEST(AssDocument, KeepsEveryLineAndRestoresPlaceholdersFromASloppyTranslation) {
     const QString head = u"[Script Info]\r\nTitle: mixed line ends\r[Events]\n"_s + standardFormat;
     const QString comment = u"Comment: 0,0:00:02.00,0:00:03.00,Default,,0,0,0,,{\\i1}note\r"_s;
     AssDocument document = AssDocument::parse(
-        head +
-        u"Dialogue: 0,0:00:01.00,0:00:02.00,Default,,0,0,0,,{\\an8}A\\NB{\\i1}C\r\n"_s + comment +
-        u"Dialogue: 0,0:00:03.00,0:00:04.00,Default,,0,0,0,,x ⟪2⟫ y"_s);
+        head + u"Dialogue: 0,0:00:01.00,0:00:02.00,Default,,0,0,0,,{\\an8}A\\NB{\\i1}C\r\n"_s +
+        comment + u"Dialogue: 0,0:00:03.00,0:00:04.00,Default,,0,0,0,,x ⟪2⟫ y"_s);
     EXPECT_EQ(document.texts(), QStringList({u"⟪1⟫A⟪2⟫B⟪3⟫C"_s, u"x ⟪1⟫ y"_s}));
 
     // ⟪2⟫ lost, ⟪1⟫ doubled (once padded), ⟪9⟫ invented, a real line break added.
@@ -74,8 +69,7 @@ TEST(AssDocument, KeepsEveryLineAndRestoresPlaceholdersFromASloppyTranslation)
             comment + u"Dialogue: 0,0:00:03.00,0:00:04.00,Default,,0,0,0,,z ⟪2⟫\\Nw"_s);
 }
 
-TEST(AssDocument, FindsEventsWithoutHeadersButNeverInsideAttachedData)
-{
+TEST(AssDocument, FindsEventsWithoutHeadersButNeverInsideAttachedData) {
     const AssDocument bare = AssDocument::parse(
         u"Dialogue: 0,0:00:00.00,0:00:01.23,Default,Olly,First{ignored}.\n"
         u"Dialogue: 0,0:00:04:56,0:00:08:90,Default,Olly,Third, with a comma.\n"_s);
@@ -98,8 +92,7 @@ TEST(AssDocument, FindsEventsWithoutHeadersButNeverInsideAttachedData)
     EXPECT_FALSE(loadFixture(u"five-field-format.ass"_s).guessedFieldOrder());
 }
 
-TEST(AssDocument, RefusesAScriptWithoutDialogueAndKeepsMalformedLines)
-{
+TEST(AssDocument, RefusesAScriptWithoutDialogueAndKeepsMalformedLines) {
     const QString tooShort = u"Dialogue: 0,0:00:01.00,0:00:02.00\n"_s;
     for (const QString& script : QStringList{
              u"[Script Info]\nTitle: nothing\n"_s,

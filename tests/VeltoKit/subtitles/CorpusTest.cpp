@@ -22,8 +22,7 @@ namespace {
 
 const QString corpusDir = QStringLiteral(VELTO_CORPUS_DIR);
 
-QStringList subtitleFiles(const QString& root)
-{
+QStringList subtitleFiles(const QString& root) {
     static const QStringList notSubtitles = {u"SOURCES.md"_s, u"SHA256SUMS"_s, u".gitattributes"_s};
     QStringList files;
     QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
@@ -37,8 +36,7 @@ QStringList subtitleFiles(const QString& root)
 }
 
 // What the prober would report. Files without an extension are judged by their content.
-QString codecFor(const QString& path, const QString& text)
-{
+QString codecFor(const QString& path, const QString& text) {
     const QString suffix = QFileInfo(path).suffix().toLower();
     if (suffix == u"ass" || suffix == u"ssa")
         return u"ass"_s;
@@ -52,8 +50,7 @@ QString codecFor(const QString& path, const QString& text)
 
 // Judged independently of the parsers: a file "holds no cue" when it has no dialogue line (ASS)
 // or no line shaped like an SRT timing line.
-bool holdsNoCue(const QString& text, const QString& codec)
-{
+bool holdsNoCue(const QString& text, const QString& codec) {
     static const QRegularExpression dialogue(u"^[ \\t]*dialogue[ \\t]*:"_s,
                                              QRegularExpression::CaseInsensitiveOption |
                                                  QRegularExpression::MultilineOption);
@@ -63,15 +60,13 @@ bool holdsNoCue(const QString& text, const QString& codec)
     return !(codec == u"ass"_s ? dialogue : timing).match(text).hasMatch();
 }
 
-std::unique_ptr<SubtitleDocument> reparse(const SubtitleDocument& document)
-{
+std::unique_ptr<SubtitleDocument> reparse(const SubtitleDocument& document) {
     if (document.kind() == u"ass")
         return std::make_unique<AssDocument>(AssDocument::parse(document.render()));
     return std::make_unique<SrtDocument>(SrtDocument::parse(document.render()));
 }
 
-void checkStripping(const SubtitleDocument& document)
-{
+void checkStripping(const SubtitleDocument& document) {
     try {
         const StripSDH::Result result = StripSDH::apply(document, true);
         StripSDH::verifySubset(document, *result.document);
@@ -86,8 +81,7 @@ void checkStripping(const SubtitleDocument& document)
     }
 }
 
-void checkFile(const QString& path)
-{
+void checkFile(const QString& path) {
     const QString text = Subtitles::readText(path);
     const QString codec = codecFor(path, text);
     std::shared_ptr<SubtitleDocument> document;
@@ -111,8 +105,7 @@ void checkFile(const QString& path)
     checkStripping(*document);
 }
 
-void checkEveryFile(const QString& root)
-{
+void checkEveryFile(const QString& root) {
     const QStringList files = subtitleFiles(root);
     ASSERT_FALSE(files.isEmpty());
     for (const QString& path : files) {
@@ -123,8 +116,7 @@ void checkEveryFile(const QString& root)
 
 } // namespace
 
-TEST(Corpus, MatchesItsChecksums)
-{
+TEST(Corpus, MatchesItsChecksums) {
     QFile sums(corpusDir + u"/SHA256SUMS"_s);
     if (!sums.open(QIODevice::ReadOnly))
         GTEST_SKIP() << "no subtitle corpus at " << corpusDir.toStdString();
@@ -144,14 +136,12 @@ TEST(Corpus, MatchesItsChecksums)
     EXPECT_GT(checked, 0);
 }
 
-TEST(Corpus, EveryFileLoadsOrHoldsNoCueAndRoundTrips)
-{
+TEST(Corpus, EveryFileLoadsOrHoldsNoCueAndRoundTrips) {
     if (!QFileInfo(corpusDir).isDir())
         GTEST_SKIP() << "no subtitle corpus at " << corpusDir.toStdString();
     checkEveryFile(corpusDir);
 }
 
-TEST(Corpus, EveryFixtureLoadsOrHoldsNoCueAndRoundTrips)
-{
+TEST(Corpus, EveryFixtureLoadsOrHoldsNoCueAndRoundTrips) {
     checkEveryFile(testDataFile(QString()));
 }

@@ -7,8 +7,7 @@
 using namespace velto;
 using namespace Qt::StringLiterals;
 
-TEST(SrtDocument, KeepsTimestampsAndTrailingTimingTextVerbatim)
-{
+TEST(SrtDocument, KeepsTimestampsAndTrailingTimingTextVerbatim) {
     const SrtDocument document = SrtDocument::parse(
         u"7\r\n00:00:01.5 --> 00:00:02.25 X1:100 X2:200  \t\r\n  indented\r\n\r\n"
         u"8\r00:00:03,000-->00:00:04,4560\rglued\r\r"
@@ -24,8 +23,7 @@ TEST(SrtDocument, KeepsTimestampsAndTrailingTimingTextVerbatim)
                                  u"9\n-0:00:05,1 --> 100:00:06,000\n\n\n"_s);
 }
 
-TEST(SrtDocument, KeepsNumbersAsWrittenAndNumbersOnlyWhatHasNone)
-{
+TEST(SrtDocument, KeepsNumbersAsWrittenAndNumbersOnlyWhatHasNone) {
     const SrtDocument document =
         SrtDocument::parse(u"0\n00:00:01,000 --> 00:00:02,000\na\n\n"
                            u"00:00:03,000 --> 00:00:04,000\nb\n\n"
@@ -37,8 +35,7 @@ TEST(SrtDocument, KeepsNumbersAsWrittenAndNumbersOnlyWhatHasNone)
     EXPECT_EQ(numbers, QStringList({u"0"_s, u"2"_s, u"0"_s, u"4"_s}));
 }
 
-TEST(SrtDocument, DropsBlocksWithoutATimingLineAndRefusesFilesWithoutCues)
-{
+TEST(SrtDocument, DropsBlocksWithoutATimingLineAndRefusesFilesWithoutCues) {
     const SrtDocument document = SrtDocument::parse(u"1\nnot a time\nlost too\n\n"
                                                     u"2\n00:00:01 --> 00:00:02\n\n"
                                                     u"3\n00:00:03,000 --> 00:00:04,000\nkept\n\n"
@@ -54,8 +51,7 @@ TEST(SrtDocument, DropsBlocksWithoutATimingLineAndRefusesFilesWithoutCues)
     }
 }
 
-TEST(SrtDocument, SetTextsChangesOnlyTextsAndCannotBreakTheFile)
-{
+TEST(SrtDocument, SetTextsChangesOnlyTextsAndCannotBreakTheFile) {
     SrtDocument document = SrtDocument::parse(u"1\n00:00:01,000 --> 00:00:02,000\none\n\n"
                                               u"2\n00:00:03,000 --> 00:00:04,000 X1:1\ntwo\n"_s);
     const SrtDocument original = document;

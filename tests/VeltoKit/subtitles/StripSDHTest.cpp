@@ -11,8 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString stripped(const QString& text, bool parens = false)
-{
+QString stripped(const QString& text, bool parens = false) {
     return StripSDH::text(text, parens).value_or(u"(nothing)"_s);
 }
 
@@ -21,8 +20,7 @@ const QString assEvents = u"[Events]\nFormat: Layer, Start, End, Style, Name, Ma
 
 } // namespace
 
-TEST(StripSDH, RemovesDescriptionsAndMusicButKeepsWords)
-{
+TEST(StripSDH, RemovesDescriptionsAndMusicButKeepsWords) {
     EXPECT_EQ(stripped(u"[MÚSICA]"_s), u"(nothing)"_s);
     EXPECT_EQ(stripped(u"<i>[suspira]</i>"_s), u"(nothing)"_s);
     EXPECT_EQ(stripped(u"<i><b> [x] </b></i>\nSí"_s), u"Sí"_s);
@@ -33,8 +31,7 @@ TEST(StripSDH, RemovesDescriptionsAndMusicButKeepsWords)
     EXPECT_EQ(stripped(u"(ladra) ¡Quieto!"_s, true), u"¡Quieto!"_s);
 }
 
-TEST(StripSDH, DropsSpeakerLabelsAndLoneDashes)
-{
+TEST(StripSDH, DropsSpeakerLabelsAndLoneDashes) {
     EXPECT_EQ(stripped(u"JUAN: Hola"_s), u"Hola"_s);
     EXPECT_EQ(stripped(u"- JUAN: Hola\n- PEDRO: Chau"_s), u"- Hola\n- Chau"_s);
     EXPECT_EQ(stripped(u"—DR. ÑOÑO: Hola\nOtra"_s), u"- Hola\nOtra"_s);
@@ -46,8 +43,7 @@ TEST(StripSDH, DropsSpeakerLabelsAndLoneDashes)
               u"ABCDEFGHIJKLMNOPQRSTUVWXYZ: Hola"_s);
 }
 
-TEST(StripSDH, StripsAnSrtCopyAndCountsWhatLostSomething)
-{
+TEST(StripSDH, StripsAnSrtCopyAndCountsWhatLostSomething) {
     const SrtDocument source =
         SrtDocument::parse(u"1\n00:00:01,000 --> 00:00:02,000\n[MÚSICA]\n\n"
                            u"2\n00:00:03,000 --> 00:00:04,000 X1:5\nJUAN: Hola\n\n"
@@ -70,8 +66,7 @@ TEST(StripSDH, StripsAnSrtCopyAndCountsWhatLostSomething)
               u"íntegramente descriptiva."_s);
 }
 
-TEST(StripSDH, StripsAssDialoguesAroundTheirStyling)
-{
+TEST(StripSDH, StripsAssDialoguesAroundTheirStyling) {
     const AssDocument source = AssDocument::parse(
         assEvents +
         u"Dialogue: 0,0:00:01.00,0:00:02.00,Default,,0,0,0,,{\\an8}[MUSIC PLAYING]\n"
@@ -94,8 +89,7 @@ TEST(StripSDH, StripsAssDialoguesAroundTheirStyling)
               u"empty: Al quitar las descripciones no quedó ningún diálogo."_s);
 }
 
-TEST(StripSDH, VerifySubsetRefusesAnInventedTime)
-{
+TEST(StripSDH, VerifySubsetRefusesAnInventedTime) {
     const SrtDocument full = SrtDocument::parse(u"1\n00:00:01,000 --> 00:00:02,000\na\n\n"
                                                 u"2\n00:00:03,000 --> 00:00:04,000\nb\n"_s);
     StripSDH::verifySubset(full, SrtDocument());

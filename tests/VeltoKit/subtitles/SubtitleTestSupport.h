@@ -6,34 +6,25 @@
 
 #include "VeltoKit/subtitles/SubtitleError.h"
 #include "VeltoKit/subtitles/TimingSignature.h"
+#include "support/QStringPrinter.h"
 
-// Readable failure output: gtest would otherwise print these as raw bytes.
-inline void PrintTo(const QString& text, std::ostream* out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
-
-inline void PrintTo(const QStringList& list, std::ostream* out)
-{
+inline void PrintTo(const QStringList& list, std::ostream* out) {
     *out << '[' << list.join(QStringLiteral(", ")).toStdString() << ']';
 }
 
 namespace velto {
 
-inline void PrintTo(const TimingSignature& signature, std::ostream* out)
-{
+inline void PrintTo(const TimingSignature& signature, std::ostream* out) {
     *out << signature.toListNotation().toStdString();
 }
 
-inline QString testDataFile(const QString& name)
-{
+inline QString testDataFile(const QString& name) {
     return QStringLiteral(VELTO_TEST_DATA_DIR "/subtitles/") + name;
 }
 
 // The description of the error an operation throws, or "(no error)".
 template <typename Error, typename Operation>
-QString errorOf(Operation operation)
-{
+QString errorOf(Operation operation) {
     try {
         operation();
     } catch (const Error& error) {
@@ -44,8 +35,7 @@ QString errorOf(Operation operation)
 
 // "empty: <message>" or "timingChanged: <message>", or "(no error)".
 template <typename Operation>
-QString subtitleErrorOf(Operation operation)
-{
+QString subtitleErrorOf(Operation operation) {
     try {
         operation();
     } catch (const SubtitleError& error) {

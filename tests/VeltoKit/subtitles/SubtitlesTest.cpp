@@ -20,31 +20,27 @@ const QByteArray oneCue = "1\n00:00:01,000 --> 00:00:02,000\nma\u00f1ana\n";
 const QByteArray oneEvent =
     "[Events]\nFormat: Start, End, Text\nDialogue: 0:00:01.00,0:00:02.00,x\n";
 
-QString writeFile(const QTemporaryDir& dir, const QString& name, const QByteArray& bytes)
-{
+QString writeFile(const QTemporaryDir& dir, const QString& name, const QByteArray& bytes) {
     QFile file(dir.filePath(name));
     EXPECT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(bytes);
     return file.fileName();
 }
 
-SrtDocument withEnds(const QStringList& ends)
-{
+SrtDocument withEnds(const QStringList& ends) {
     QList<SrtCue> cues;
     for (const QString& end : ends)
         cues.append({QString::number(cues.size() + 1), u"00:00:01,000"_s, end, {}, u"x"_s});
     return SrtDocument(cues);
 }
 
-QString timingError(const QStringList& a, const QStringList& b)
-{
+QString timingError(const QStringList& a, const QStringList& b) {
     return subtitleErrorOf([&] { Subtitles::verifyTiming(withEnds(a), withEnds(b)); });
 }
 
 } // namespace
 
-TEST(TextDecoder, TriesUtf8ThenWindows1252ThenLatin1AndDropsTheMark)
-{
+TEST(TextDecoder, TriesUtf8ThenWindows1252ThenLatin1AndDropsTheMark) {
     EXPECT_EQ(TextDecoder::decode("\xEF\xBB\xBFma\u00f1ana"), u"mañana"_s);
     EXPECT_EQ(TextDecoder::decode("ma\361ana"), u"mañana"_s);
     EXPECT_EQ(TextDecoder::decode("\x93\x85\x94 \x80 \x9C\x8C \x96\x97 \x92"), u"“…” € œŒ –— ’"_s);
@@ -59,8 +55,7 @@ TEST(TextDecoder, TriesUtf8ThenWindows1252ThenLatin1AndDropsTheMark)
     EXPECT_TRUE(text.contains(u"5 € – œuvre, Œuvre, l’été."_s));
 }
 
-TEST(Subtitles, LoadPicksTheParserByCodecOrFileName)
-{
+TEST(Subtitles, LoadPicksTheParserByCodecOrFileName) {
     QTemporaryDir dir;
     const QString assAsSrt = writeFile(dir, u"x.srt"_s, oneEvent);
     EXPECT_EQ(Subtitles::load(assAsSrt, u"SSA"_s)->kind(), u"ass"_s);
@@ -71,8 +66,7 @@ TEST(Subtitles, LoadPicksTheParserByCodecOrFileName)
               u"empty: El archivo SRT no contiene ningún subtítulo legible."_s);
 }
 
-TEST(Subtitles, WritesUtf8WithoutAMarkAndNamesTheFileOnFailure)
-{
+TEST(Subtitles, WritesUtf8WithoutAMarkAndNamesTheFileOnFailure) {
     QTemporaryDir dir;
     const QString path = writeFile(dir, u"out.srt"_s, QByteArray(4096, 'z'));
     Subtitles::write(SrtDocument::parse(QString::fromUtf8(oneCue)), path);
@@ -91,8 +85,7 @@ TEST(Subtitles, WritesUtf8WithoutAMarkAndNamesTheFileOnFailure)
               u"No pude guardar «salida.srt»: la carpeta no existe."_s);
 }
 
-TEST(Subtitles, VerifyTimingNamesTheFirstDifferenceOnly)
-{
+TEST(Subtitles, VerifyTimingNamesTheFirstDifferenceOnly) {
     const QString end = u"00:00:02,000"_s;
     EXPECT_EQ(timingError(QStringList(10, end), QStringList(9, end)),
               u"timingChanged: Cambió la cantidad de eventos: 10 -> 9"_s);
