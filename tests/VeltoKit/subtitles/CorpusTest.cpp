@@ -1,10 +1,8 @@
 // Every real-world file of the corpus (and every fixture of tests/data/subtitles) goes through
 // the same checks, so a file added to either folder is covered without touching this code.
 #include <QCryptographicHash>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -14,51 +12,14 @@
 #include "VeltoKit/subtitles/StripSDH.h"
 #include "VeltoKit/subtitles/SubtitleError.h"
 #include "VeltoKit/subtitles/Subtitles.h"
+#include "support/SubtitleCorpus.h"
 
 using namespace velto;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString corpusDir = QStringLiteral(VELTO_CORPUS_DIR);
-
-QStringList subtitleFiles(const QString& root) {
-    static const QStringList notSubtitles = {u"SOURCES.md"_s, u"SHA256SUMS"_s, u".gitattributes"_s};
-    QStringList files;
-    QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString path = it.next();
-        if (!notSubtitles.contains(it.fileName()))
-            files.append(path);
-    }
-    files.sort();
-    return files;
-}
-
-// What the prober would report. Files without an extension are judged by their content.
-QString codecFor(const QString& path, const QString& text) {
-    const QString suffix = QFileInfo(path).suffix().toLower();
-    if (suffix == u"ass" || suffix == u"ssa")
-        return u"ass"_s;
-    if (suffix == u"srt")
-        return u"subrip"_s;
-    static const QRegularExpression assLine(u"^\\s*(\\[script info\\]|dialogue:)"_s,
-                                            QRegularExpression::CaseInsensitiveOption |
-                                                QRegularExpression::MultilineOption);
-    return assLine.match(text).hasMatch() ? u"ass"_s : u"subrip"_s;
-}
-
-// Judged independently of the parsers: a file "holds no cue" when it has no dialogue line (ASS)
-// or no line shaped like an SRT timing line.
-bool holdsNoCue(const QString& text, const QString& codec) {
-    static const QRegularExpression dialogue(u"^[ \\t]*dialogue[ \\t]*:"_s,
-                                             QRegularExpression::CaseInsensitiveOption |
-                                                 QRegularExpression::MultilineOption);
-    static const QRegularExpression timing(
-        u"^\\s*-?\\d{1,3}:\\d\\d:\\d\\d[,.]\\d{1,3}\\s*-->\\s*-?\\d{1,3}:\\d\\d:\\d\\d[,.]\\d"_s,
-        QRegularExpression::MultilineOption);
-    return !(codec == u"ass"_s ? dialogue : timing).match(text).hasMatch();
-}
+const QString corpusDir = SubtitleCorpus::directory();
 
 std::unique_ptr<SubtitleDocument> reparse(const SubtitleDocument& document) {
     if (document.kind() == u"ass")
@@ -81,22 +42,20 @@ void checkStripping(const SubtitleDocument& document) {
     }
 }
 
-void checkFile(const QString& path) {
-    const QString text = Subtitles::readText(path);
-    const QString codec = codecFor(path, text);
+void checkFile(const SubtitleCorpus::File& file) {
     std::shared_ptr<SubtitleDocument> document;
     try {
-        document = Subtitles::load(path, codec);
+        document = Subtitles::load(file.path, file.codec);
     } catch (const SubtitleError& error) {
-        EXPECT_TRUE(holdsNoCue(text, codec)) << "refused a file with cues: " << error.what();
+        EXPECT_TRUE(file.holdsNoCue()) << "refused a file with cues: " << error.what();
         EXPECT_EQ(error.description(),
-                  codec == u"ass" ? u"El archivo ASS no contiene líneas de diálogo."_s
-                                  : u"El archivo SRT no contiene ningún subtítulo legible."_s);
+                  file.codec == u"ass" ? u"El archivo ASS no contiene líneas de diálogo."_s
+                                       : u"El archivo SRT no contiene ningún subtítulo legible."_s);
         return;
     }
     EXPECT_EQ(reparse(*document)->timingSignature(), document->timingSignature());
     if (document->kind() == u"ass") {
-        EXPECT_EQ(document->render(), text);
+        EXPECT_EQ(document->render(), file.text);
     }
 
     const QString rendered = document->render();
@@ -106,11 +65,11 @@ void checkFile(const QString& path) {
 }
 
 void checkEveryFile(const QString& root) {
-    const QStringList files = subtitleFiles(root);
+    const QList<SubtitleCorpus::File> files = SubtitleCorpus::files(root);
     ASSERT_FALSE(files.isEmpty());
-    for (const QString& path : files) {
-        SCOPED_TRACE(path.toStdString());
-        checkFile(path);
+    for (const SubtitleCorpus::File& file : files) {
+        SCOPED_TRACE(file.path.toStdString());
+        checkFile(file);
     }
 }
 
