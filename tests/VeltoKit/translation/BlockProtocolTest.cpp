@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "VeltoKit/translation/SpanishVariant.h"
+#include "support/QStringPrinter.h"
 
 using namespace velto;
 

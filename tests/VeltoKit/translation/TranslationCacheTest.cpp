@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/QStringPrinter.h"
+
 using namespace velto;
 
 namespace {

@@ -10,6 +10,7 @@
 #include "VeltoKit/engines/TranslationError.h"
 #include "VeltoKit/translation/TranslationCache.h"
 #include "VeltoKit/translation/Translator.h"
+#include "support/QStringPrinter.h"
 
 using namespace velto;
 using namespace velto::test;

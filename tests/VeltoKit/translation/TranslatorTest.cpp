@@ -8,6 +8,7 @@
 #include "VeltoKit/engines/EchoBackend.h"
 #include "VeltoKit/engines/TranslationError.h"
 #include "VeltoKit/translation/TranslationCache.h"
+#include "support/QStringPrinter.h"
 
 using namespace velto;
 using namespace velto::test;
