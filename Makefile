@@ -1,12 +1,18 @@
 # Thin wrapper over the CMake presets. CI sets CI=true and gets the warnings-as-errors build.
 PRESET ?= $(if $(CI),ci,dev)
 
-.PHONY: all test bench bootstrap clean
+.PHONY: all demo test bench bootstrap clean
 
 all: test
 
 bootstrap:
 	@scripts/bootstrap
+
+# A generated sample video translated with the offline echo engine: no network, no key.
+demo: bootstrap
+	cmake --preset $(PRESET)
+	cmake --build --preset $(PRESET) --target veltomkv-cli
+	scripts/demo build/$(PRESET)
 
 test: bootstrap
 	cmake --workflow --preset $(PRESET)

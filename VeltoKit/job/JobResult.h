@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include "VeltoKit/media/SubtitleTrack.h"
+
+namespace velto {
+
+// How a finished job ended.
+struct JobResult {
+    QString outputURL;
+    qint64 translatedCount = 0;
+    // Removals reported by SDH stripping; 0 when stripping was off.
+    qint64 removedDescriptions = 0;
+    // Cues left in the original language because the engine failed on them.
+    qint64 failedLines = 0;
+    // In the order they arose.
+    QStringList warnings;
+    double elapsed = 0;
+    // The subtitle tracks of the written file, probed again.
+    QList<SubtitleTrack> finalTracks;
+};
+
+} // namespace velto

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include <QString>
+#include <QStringView>
+
+namespace velto {
+
+// Where a job is. The declaration order is the ordinal, not the order a job runs through
+// (stripping runs before checking).
+enum class JobStage : quint8 {
+    analyzing,
+    extracting,
+    checking,
+    translating,
+    rebuilding,
+    stripping,
+    muxing,
+    verifying,
+    done,
+};
+
+// The position in the declaration order, from 0.
+constexpr int ordinal(JobStage stage) {
+    return static_cast<int>(stage);
+}
+
+// Every stage in declaration order.
+const std::array<JobStage, 9>& allJobStages();
+// The Spanish label shown to the user; it is also the stage's raw value.
+QString label(JobStage stage);
+// The inverse of label(); exact and case-sensitive.
+std::optional<JobStage> jobStageFromLabel(QStringView label);
+// The case's own name ("translating"), for machine-readable output.
+QString caseName(JobStage stage);
+
+} // namespace velto

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+
+#include <QString>
+
+#include "VeltoKit/job/JobStage.h"
+
+namespace velto {
+
+// One progress event of a running job.
+struct JobUpdate {
+    JobStage stage = JobStage::analyzing;
+    // A free line under the stage label: the track, the counts, the engine's name.
+    QString detail;
+    // Fraction of the stage's work done, 0...1; absent when no fraction is known.
+    std::optional<double> progress;
+};
+
+} // namespace velto

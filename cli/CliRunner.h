@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <stop_token>
+
+#include <QString>
+
+#include "VeltoKit/media/FFmpeg.h"
+#include "cli/CliOptions.h"
+
+namespace velto {
+class TranslationBackend;
+}
+
+namespace velto::cli {
+
+class Reporter;
+
+// Exit statuses of the command line.
+enum ExitStatus : int { success = 0, jobFailed = 1, badUsage = 2, interrupted = 130 };
+
+// Runs the videos one after another; a failure of one does not stop the rest, a cancel stops
+// everything.
+class CliRunner {
+public:
+    CliRunner(CliOptions options, FFmpeg ffmpeg, std::shared_ptr<const TranslationBackend> backend,
+              QString cacheDirectory, Reporter& reporter);
+
+    // `wasInterrupted` tells a cancel from a tool that died of the same Ctrl-C.
+    int run(std::stop_token stop, const std::function<bool()>& wasInterrupted);
+
+private:
+    void runOne(const QString& video, std::stop_token stop);
+
+    CliOptions m_options;
+    FFmpeg m_ffmpeg;
+    std::shared_ptr<const TranslationBackend> m_backend;
+    QString m_cacheDirectory;
+    Reporter& m_reporter;
+};
+
+} // namespace velto::cli

@@ -1,0 +1,126 @@
+#include "cli/HumanReporter.h"
+
+#include <cmath>
+
+#include <QFileInfo>
+#include <QLocale>
+
+#include "VeltoKit/job/JobResult.h"
+#include "VeltoKit/job/JobUpdate.h"
+#include "VeltoKit/media/MediaInfo.h"
+#include "cli/TerminalText.h"
+
+namespace velto::cli {
+namespace {
+
+QString elapsedText(qint64 milliseconds) {
+    const qint64 seconds = milliseconds / 1000;
+    return QString::number(seconds / 60) + u':' +
+           QStringLiteral("%1").arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
+
+QString bar(double fraction) {
+    constexpr int width = 24;
+    const int filled = static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * width));
+    return u'[' + QString(filled, u'#') + QString(width - filled, u'-') + u']';
+}
+
+QString secondsText(double seconds) {
+    return QLocale(QLocale::Spanish, QLocale::Argentina).toString(seconds, 'f', 1) +
+           QStringLiteral(" s");
+}
+
+} // namespace
+
+HumanReporter::HumanReporter(bool redraw, FILE* out, FILE* err)
+    : m_redraw(redraw)
+    , m_out(out)
+    , m_err(err) {}
+
+void HumanReporter::started(const QString&) {
+    m_clock.start();
+    m_lastPlainLine.clear();
+}
+
+void HumanReporter::update(const JobUpdate& update) {
+    const QString line = statusLine(update);
+    if (m_redraw) {
+        writeText(m_out, QStringLiteral("\r\x1b[2K") + fitToTerminal(line, m_out));
+        std::fflush(m_out);
+        m_statusShown = true;
+    } else if (line != m_lastPlainLine) {
+        writeText(m_out, line + u'\n');
+        m_lastPlainLine = line;
+    }
+}
+
+QString HumanReporter::statusLine(const JobUpdate& update) const {
+    QStringList pieces{label(update.stage)};
+    if (m_redraw && update.progress && update.stage != JobStage::done)
+        pieces.append(bar(*update.progress));
+    if (!update.detail.isEmpty())
+        pieces.append(update.detail);
+    if (m_redraw)
+        pieces.append(elapsedText(m_clock.elapsed()));
+    return pieces.join(QStringLiteral("  "));
+}
+
+void HumanReporter::clearStatusLine() {
+    if (m_statusShown) {
+        writeText(m_out, QStringLiteral("\r\x1b[2K"));
+        m_statusShown = false;
+    }
+}
+
+void HumanReporter::tracks(const QString& video, const MediaInfo& info) {
+    QString text = video + u'\n';
+    for (const SubtitleTrack& track : info.tracks)
+        text += QStringLiteral("  ") + track.summary() + u'\n';
+    if (info.tracks.isEmpty())
+        text += QStringLiteral("  (sin pistas de subtítulos)\n");
+    writeText(m_out, text);
+}
+
+void HumanReporter::finished(const QString& video, const JobResult& result) {
+    clearStatusLine();
+    QStringList counts{QString::number(result.translatedCount) +
+                       QStringLiteral(" subtítulos traducidos")};
+    if (result.removedDescriptions > 0)
+        counts.append(QString::number(result.removedDescriptions) +
+                      QStringLiteral(" descripciones quitadas"));
+    if (result.failedLines > 0)
+        counts.append(QString::number(result.failedLines) + QStringLiteral(" sin traducir"));
+    counts.append(secondsText(result.elapsed));
+
+    QString text = QStringLiteral("Listo: ") + QFileInfo(video).fileName() + QStringLiteral(" → ") +
+                   result.outputURL + u'\n' + QStringLiteral("  ") +
+                   counts.join(QStringLiteral("  ·  ")) + u'\n';
+    if (!result.warnings.isEmpty()) {
+        text += QStringLiteral("  Advertencias:\n");
+        for (const QString& warning : result.warnings)
+            text += QStringLiteral("    ") + warning + u'\n';
+    }
+    text += QStringLiteral("  Pistas de subtítulos del resultado:\n");
+    for (const SubtitleTrack& track : result.finalTracks)
+        text += QStringLiteral("    ") + track.summary() + u'\n';
+    writeText(m_out, text);
+}
+
+void HumanReporter::failed(const QString& video, const QString& message, const QString& hint) {
+    clearStatusLine();
+    std::fflush(m_out);
+    QString text = QStringLiteral("No se pudo traducir ") + QFileInfo(video).fileName() +
+                   QStringLiteral(":\n") + message + u'\n';
+    if (!hint.isEmpty())
+        text += hint + u'\n';
+    writeText(m_err, text);
+}
+
+void HumanReporter::cancelled(const QString& video) {
+    clearStatusLine();
+    std::fflush(m_out);
+    writeText(m_err, QStringLiteral("Cancelado: ") + QFileInfo(video).fileName() +
+                         QStringLiteral(". No quedó ningún archivo a medio escribir.\n"));
+}
+
+} // namespace velto::cli

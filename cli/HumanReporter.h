@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdio>
+#include <optional>
+
+#include <QElapsedTimer>
+
+#include "VeltoKit/job/JobStage.h"
+#include "cli/Reporter.h"
+
+namespace velto::cli {
+
+// For people: on a terminal one status line that redraws (stage, bar, counts, time); into a
+// pipe or a file one plain line per change. Results go to standard output, failures to
+// standard error with their message as it stands.
+class HumanReporter : public Reporter {
+public:
+    // redraw: the standard output is a terminal.
+    explicit HumanReporter(bool redraw, FILE* out = stdout, FILE* err = stderr);
+
+    void started(const QString& video) override;
+    void update(const JobUpdate& update) override;
+    void tracks(const QString& video, const MediaInfo& info) override;
+    void finished(const QString& video, const JobResult& result) override;
+    void failed(const QString& video, const QString& message, const QString& hint) override;
+    void cancelled(const QString& video) override;
+
+private:
+    QString statusLine(const JobUpdate& update) const;
+    void clearStatusLine();
+
+    bool m_redraw;
+    FILE* m_out;
+    FILE* m_err;
+    QElapsedTimer m_clock;
+    bool m_statusShown = false;
+    QString m_lastPlainLine;
+};
+
+} // namespace velto::cli

@@ -1,0 +1,94 @@
+#include "cli/JsonReporter.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include "VeltoKit/job/JobResult.h"
+#include "VeltoKit/job/JobUpdate.h"
+#include "VeltoKit/media/MediaInfo.h"
+#include "cli/TerminalText.h"
+
+namespace velto::cli {
+namespace {
+
+QJsonObject trackObject(const SubtitleTrack& track) {
+    QJsonObject object{
+        {QStringLiteral("index"), track.index},
+        {QStringLiteral("codec"), track.codec},
+        {QStringLiteral("language"), track.language},
+        {QStringLiteral("title"), track.title},
+        {QStringLiteral("flags"), QJsonArray::fromStringList(track.flags())},
+        {QStringLiteral("summary"), track.summary()},
+    };
+    if (track.frameCount)
+        object.insert(QStringLiteral("events"), *track.frameCount);
+    return object;
+}
+
+QJsonArray trackArray(const QList<SubtitleTrack>& tracks) {
+    QJsonArray array;
+    for (const SubtitleTrack& track : tracks)
+        array.append(trackObject(track));
+    return array;
+}
+
+} // namespace
+
+JsonReporter::JsonReporter(FILE* out, FILE* err)
+    : m_out(out)
+    , m_err(err) {}
+
+void JsonReporter::started(const QString& video) {
+    m_video = video;
+}
+
+void JsonReporter::update(const JobUpdate& update) {
+    QJsonObject object{
+        {QStringLiteral("stage"), caseName(update.stage)},
+        {QStringLiteral("label"), label(update.stage)},
+        {QStringLiteral("detail"), update.detail},
+    };
+    if (update.progress)
+        object.insert(QStringLiteral("progress"), *update.progress);
+    print(QStringLiteral("update"), object);
+}
+
+void JsonReporter::tracks(const QString& video, const MediaInfo& info) {
+    m_video = video;
+    print(QStringLiteral("tracks"), {{QStringLiteral("tracks"), trackArray(info.tracks)}});
+}
+
+void JsonReporter::finished(const QString&, const JobResult& result) {
+    print(QStringLiteral("result"),
+          {
+              {QStringLiteral("output"), result.outputURL},
+              {QStringLiteral("translated"), result.translatedCount},
+              {QStringLiteral("removedDescriptions"), result.removedDescriptions},
+              {QStringLiteral("failed"), result.failedLines},
+              {QStringLiteral("warnings"), QJsonArray::fromStringList(result.warnings)},
+              {QStringLiteral("elapsed"), result.elapsed},
+              {QStringLiteral("tracks"), trackArray(result.finalTracks)},
+          });
+}
+
+void JsonReporter::failed(const QString&, const QString& message, const QString& hint) {
+    QJsonObject object{{QStringLiteral("message"), message}};
+    if (!hint.isEmpty())
+        object.insert(QStringLiteral("hint"), hint);
+    print(QStringLiteral("error"), object);
+    writeText(m_err, message + u'\n');
+}
+
+void JsonReporter::cancelled(const QString&) {
+    print(QStringLiteral("cancelled"), {});
+}
+
+void JsonReporter::print(const QString& type, QJsonObject object) {
+    object.insert(QStringLiteral("type"), type);
+    object.insert(QStringLiteral("video"), m_video);
+    writeText(m_out,
+              QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
+    std::fflush(m_out);
+}
+
+} // namespace velto::cli

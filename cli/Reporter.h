@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+namespace velto {
+struct JobResult;
+struct JobUpdate;
+struct MediaInfo;
+} // namespace velto
+
+namespace velto::cli {
+
+// Where the command line tells what happens to each video: a person at a terminal, a log, or
+// a script reading JSON. Calls arrive one at a time.
+class Reporter {
+public:
+    virtual ~Reporter() = default;
+
+    virtual void started(const QString& video) = 0;
+    virtual void update(const JobUpdate& update) = 0;
+    virtual void tracks(const QString& video, const MediaInfo& info) = 0;
+    virtual void finished(const QString& video, const JobResult& result) = 0;
+    // `hint` says what to do about it from the command line; may be empty.
+    virtual void failed(const QString& video, const QString& message, const QString& hint) = 0;
+    virtual void cancelled(const QString& video) = 0;
+};
+
+} // namespace velto::cli
