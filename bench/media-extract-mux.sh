@@ -7,20 +7,7 @@ set -euo pipefail
 build=${1:-build/bench}
 driver="$build/bench/velto-media-extract-mux"
 work="$build/media-bench"
-source="$work/big.mkv"
-mkdir -p "$work"
-
-if [ ! -s "$source" ]; then
-  echo "generating $source (about 1 GB)..."
-  awk 'BEGIN { for (i = 0; i < 30; i++)
-    printf "%d\n00:00:%02d,000 --> 00:00:%02d,500\nLine number %d.\n\n", i + 1, i, i, i + 1 }' \
-    > "$work/english.srt"
-  # Uncompressed 720p: 1.38 MB per frame, 750 frames.
-  ffmpeg -v error -y -f lavfi -i testsrc=size=1280x720:rate=25:duration=30 \
-    -f lavfi -i sine=frequency=440:sample_rate=48000:duration=30 -i "$work/english.srt" \
-    -map 0 -map 1 -map 2 -c:v rawvideo -pix_fmt yuv420p -c:a pcm_s16le -c:s copy \
-    -metadata:s:s:0 language=eng "$source"
-fi
+source=$("$(dirname "$0")/make-big-mkv" "$work")
 
 rounds=${ROUNDS:-6}
 now() { date +%s.%N; }

@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# Times the whole job (veltomkv-cli with the echo engine, no cache) on a ~1 GB MKV against the
+# two bare ffmpeg commands it wraps (extract, then mux), and reports veltomkv-cli's peak memory.
+# The rounds alternate who goes first, since a run right after another 1 GB write is slower.
+# ROUNDS=n changes the number of rounds (default 5). Linux: the memory is read from /proc.
+set -euo pipefail
+build=${1:-build/bench}
+cli="$build/cli/veltomkv-cli"
+work="$build/media-bench"
+source=$("$(dirname "$0")/make-big-mkv" "$work")
+rounds=${ROUNDS:-5}
+
+now() { date +%s.%N; }
+elapsed() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.3f", b - a }'; }
+median() { tr ' ' '\n' | sed '/^$/d' | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
+remove_outputs() { rm -f "$work/job.mkv" "$work/bare.mkv" "$work/bare.srt"; }
+trap remove_outputs EXIT
+cat "$source" > /dev/null # both start with the file in the page cache
+
+# The peak resident memory of veltomkv-cli alone (the tools it runs are processes of their
+# own), read from /proc while it runs: VmHWM only grows, so the last reading is the peak.
+run_job() {
+  local start pid peak=0 key value
+  start=$(now)
+  "$cli" --engine echo --no-cache --output "$work/job.mkv" "$source" > /dev/null &
+  pid=$!
+  while [ -r "/proc/$pid/status" ]; do
+    while read -r key value _; do
+      [ "$key" = "VmHWM:" ] && peak=$value
+    done < "/proc/$pid/status" 2> /dev/null || true
+    kill -0 "$pid" 2> /dev/null || break
+    sleep 0.05
+  done
+  wait "$pid"
+  job+=" $(elapsed "$start" "$(now)")"
+  rss+=" $peak"
+}
+run_bare() {
+  local start
+  start=$(now)
+  ffmpeg -y -v error -i "$source" -map 0:2 -c:s copy "$work/bare.srt"
+  ffmpeg -y -v error -i "$source" -sub_charenc UTF-8 -i "$work/bare.srt" -map 0 -map 1:0 -c copy \
+    -map_metadata 0 -map_chapters 0 -metadata:s:s:1 language=spa \
+    -metadata:s:s:1 "title=Español (traducido)" -disposition:s:1 0 "$work/bare.mkv"
+  bare+=" $(elapsed "$start" "$(now)")"
+}
+
+job="" bare="" rss=""
+for ((round = 1; round <= rounds; round++)); do
+  if ((round % 2)); then order="run_job run_bare"; else order="run_bare run_job"; fi
+  for contender in $order; do
+    "$contender"
+    remove_outputs
+    sync
+  done
+done
+
+m() { median <<< "$1"; }
+printf 'file: %s (%d MB), median of %d rounds\n' "$source" \
+  $(($(stat -c %s "$source" 2>/dev/null || stat -f %z "$source") / 1000000)) "$rounds"
+printf 'veltomkv-cli, whole job (echo engine): %s s\n' "$(m "$job")"
+printf 'bare ffmpeg, extract + mux:            %s s\n' "$(m "$bare")"
+printf 'job / bare ffmpeg: %s (aim: at most 1.10)\n' \
+  "$(awk -v a="$(m "$job")" -v b="$(m "$bare")" 'BEGIN { printf "%.2f", a / b }')"
+printf 'veltomkv-cli peak memory: %s MB\n' "$(awk -v k="$(m "$rss")" 'BEGIN { printf "%.1f", k / 1024 }')"
