@@ -10,9 +10,7 @@ work="$build/media-bench"
 source=$("$(dirname "$0")/make-big-mkv" "$work")
 rounds=${ROUNDS:-5}
 
-now() { date +%s.%N; }
-elapsed() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.3f", b - a }'; }
-median() { tr ' ' '\n' | sed '/^$/d' | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
+source "$(dirname "$0")/timing.bash"
 remove_outputs() { rm -f "$work/job.mkv" "$work/bare.mkv" "$work/bare.srt"; }
 trap remove_outputs EXIT
 cat "$source" > /dev/null # both start with the file in the page cache
@@ -61,5 +59,5 @@ printf 'file: %s (%d MB), median of %d rounds\n' "$source" \
 printf 'veltomkv-cli, whole job (echo engine): %s s\n' "$(m "$job")"
 printf 'bare ffmpeg, extract + mux:            %s s\n' "$(m "$bare")"
 printf 'job / bare ffmpeg: %s (aim: at most 1.10)\n' \
-  "$(awk -v a="$(m "$job")" -v b="$(m "$bare")" 'BEGIN { printf "%.2f", a / b }')"
+  "$(ratio "$(m "$job")" "$(m "$bare")")"
 printf 'veltomkv-cli peak memory: %s MB\n' "$(awk -v k="$(m "$rss")" 'BEGIN { printf "%.1f", k / 1024 }')"

@@ -10,10 +10,7 @@ work="$build/media-bench"
 source=$("$(dirname "$0")/make-big-mkv" "$work")
 
 rounds=${ROUNDS:-6}
-now() { date +%s.%N; }
-elapsed() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.3f", b - a }'; }
-ratio() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.2f", a / b }'; }
-median() { tr ' ' '\n' | sed '/^$/d' | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
+source "$(dirname "$0")/timing.bash"
 remove_outputs() {
   rm -f "$work/out.mkv" "$work/bare.mkv" "$work/copy.mkv" "$work"/source_*.srt "$work/bare.srt"
 }
