@@ -55,11 +55,11 @@ protected:
     }
 
     QString englishVideo(const QString& name) const {
-        MediaFixtures::VideoSpec spec;
-        MediaFixtures::SubtitleSpec english;
+        MediaFixtures::VideoRecipe recipe;
+        MediaFixtures::SubtitleRecipe english;
         english.language = u"eng"_s;
-        spec.subtitles = {english};
-        MediaFixtures::writeVideo(path(name), spec);
+        recipe.subtitles = {english};
+        MediaFixtures::writeVideo(path(name), recipe);
         return path(name);
     }
 

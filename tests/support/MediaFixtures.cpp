@@ -93,7 +93,7 @@ struct Sidecar {
     QString codec; // the -c:s value
 };
 
-Sidecar sidecarFor(const SubtitleSpec& subtitle, bool mp4Family) {
+Sidecar sidecarFor(const SubtitleRecipe& subtitle, bool mp4Family) {
     switch (subtitle.format) {
     case SubtitleFormat::srt:
         return {QStringLiteral("srt"), srtText(subtitle.lines),
@@ -114,7 +114,7 @@ Sidecar sidecarFor(const SubtitleSpec& subtitle, bool mp4Family) {
     return {};
 }
 
-QString dispositionOf(const SubtitleSpec& subtitle) {
+QString dispositionOf(const SubtitleRecipe& subtitle) {
     QStringList flags;
     if (subtitle.isDefault)
         flags << QStringLiteral("default");
@@ -186,9 +186,9 @@ void writeFile(const QString& path, const QByteArray& bytes) {
         fail(QStringLiteral("cannot write ") + path);
 }
 
-void writeVideo(const QString& path, const VideoSpec& spec) {
+void writeVideo(const QString& path, const VideoRecipe& recipe) {
     QTemporaryDir scratch;
-    const QString seconds = QString::number(spec.seconds);
+    const QString seconds = QString::number(recipe.seconds);
     const QString suffix = QFileInfo(path).suffix().toLower();
     const bool mp4Family = suffix == u"mp4" || suffix == u"mov" || suffix == u"m4v";
     QStringList inputs = {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
@@ -196,15 +196,15 @@ void writeVideo(const QString& path, const VideoSpec& spec) {
     QStringList outputs = {QStringLiteral("-map"), QStringLiteral("0"), QStringLiteral("-c:v"),
                            QStringLiteral("mpeg4")};
     int inputCount = 1;
-    if (spec.audio) {
+    if (recipe.audio) {
         // AAC's priming delay would make ffmpeg shift every Matroska timestamp; PCM has none.
         inputs << QStringLiteral("-f") << QStringLiteral("lavfi") << QStringLiteral("-i")
                << QStringLiteral("sine=frequency=440:sample_rate=8000:duration=") + seconds;
         outputs << QStringLiteral("-map") << QString::number(inputCount++) << QStringLiteral("-c:a")
                 << (mp4Family ? QStringLiteral("aac") : QStringLiteral("pcm_s16le"));
     }
-    for (qsizetype i = 0; i < spec.subtitles.size(); ++i) {
-        const SubtitleSpec& subtitle = spec.subtitles[i];
+    for (qsizetype i = 0; i < recipe.subtitles.size(); ++i) {
+        const SubtitleRecipe& subtitle = recipe.subtitles[i];
         Sidecar sidecar = sidecarFor(subtitle, mp4Family);
         if (!subtitle.contents.isEmpty())
             sidecar.bytes = subtitle.contents;
@@ -226,14 +226,14 @@ void writeVideo(const QString& path, const VideoSpec& spec) {
             outputs << QStringLiteral("-metadata:s:s:") + s
                     << QStringLiteral("title=") + subtitle.title;
     }
-    if (spec.chapters) {
+    if (recipe.chapters) {
         const QString file = scratch.filePath(QStringLiteral("chapters.txt"));
         writeFile(file, ";FFMETADATA1\n[CHAPTER]\nTIMEBASE=1/1000\nSTART=0\nEND=1000\ntitle=Uno\n"
                         "[CHAPTER]\nTIMEBASE=1/1000\nSTART=1000\nEND=2000\ntitle=Dos\n");
         inputs << QStringLiteral("-i") << file;
         outputs << QStringLiteral("-map_chapters") << QString::number(inputCount++);
     }
-    if (spec.fontAttachment) {
+    if (recipe.fontAttachment) {
         const QString file = scratch.filePath(QStringLiteral("VeltoSans.ttf"));
         writeFile(file, QByteArray(4096, '\x5a'));
         outputs << QStringLiteral("-attach") << file << QStringLiteral("-metadata:s:t")

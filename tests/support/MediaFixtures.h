@@ -21,7 +21,7 @@ enum class SubtitleFormat {
     dvdSubtitle // dvd_subtitle (MKV), converted from the same .sup
 };
 
-struct SubtitleSpec {
+struct SubtitleRecipe {
     SubtitleFormat format = SubtitleFormat::srt;
     QString language; // the tag as written ("eng", "und", "es"); empty: no tag
     QString title;    // empty: no title
@@ -36,17 +36,17 @@ struct SubtitleSpec {
     QByteArray contents;
 };
 
-struct VideoSpec {
+struct VideoRecipe {
     double seconds = 3;
     bool audio = true;
     bool fontAttachment = false; // one attached font file (MKV only)
     bool chapters = false;       // two chapters, "Uno" and "Dos"
-    QList<SubtitleSpec> subtitles;
+    QList<SubtitleRecipe> subtitles;
 };
 
 // Writes `path`; the container follows its extension (mkv, mp4, mov...). Throws
 // std::runtime_error with ffmpeg's message when ffmpeg refuses.
-void writeVideo(const QString& path, const VideoSpec& spec);
+void writeVideo(const QString& path, const VideoRecipe& recipe);
 
 // Subtitle files with one cue per line, one second each from 0.5 s.
 QByteArray srtText(const QStringList& lines);

@@ -24,8 +24,8 @@
 using namespace velto;
 using namespace Qt::StringLiterals;
 using MediaFixtures::SubtitleFormat;
-using MediaFixtures::SubtitleSpec;
-using MediaFixtures::VideoSpec;
+using MediaFixtures::SubtitleRecipe;
+using MediaFixtures::VideoRecipe;
 
 namespace {
 
@@ -63,20 +63,20 @@ private:
     EchoBackend m_echo;
 };
 
-SubtitleSpec english(const QStringList& lines) {
-    SubtitleSpec spec;
-    spec.language = QStringLiteral("eng");
-    spec.title = QStringLiteral("English");
-    spec.lines = lines;
-    return spec;
+SubtitleRecipe english(const QStringList& lines) {
+    SubtitleRecipe recipe;
+    recipe.language = QStringLiteral("eng");
+    recipe.title = QStringLiteral("English");
+    recipe.lines = lines;
+    return recipe;
 }
 
-SubtitleSpec track(SubtitleFormat format, const QString& language, bool forced = false) {
-    SubtitleSpec spec;
-    spec.format = format;
-    spec.language = language;
-    spec.forced = forced;
-    return spec;
+SubtitleRecipe track(SubtitleFormat format, const QString& language, bool forced = false) {
+    SubtitleRecipe recipe;
+    recipe.format = format;
+    recipe.language = language;
+    recipe.forced = forced;
+    return recipe;
 }
 
 QStringList numberedLines(int count) {
@@ -99,11 +99,11 @@ protected:
 
     QString path(const QString& name) const { return QDir(m_root.path()).filePath(name); }
 
-    QString video(const QString& name, const QList<SubtitleSpec>& subtitles) const {
-        VideoSpec spec;
-        spec.subtitles = subtitles;
+    QString video(const QString& name, const QList<SubtitleRecipe>& subtitles) const {
+        VideoRecipe recipe;
+        recipe.subtitles = subtitles;
         const QString file = path(name);
-        MediaFixtures::writeVideo(file, spec);
+        MediaFixtures::writeVideo(file, recipe);
         return file;
     }
 

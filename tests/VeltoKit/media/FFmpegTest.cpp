@@ -28,33 +28,33 @@
 
 using namespace velto;
 using MediaFixtures::SubtitleFormat;
-using MediaFixtures::SubtitleSpec;
+using MediaFixtures::SubtitleRecipe;
 
 namespace {
 
-SubtitleSpec subtitle(SubtitleFormat format, const char* language, const char* title = "") {
-    SubtitleSpec spec;
-    spec.format = format;
-    spec.language = QString::fromLatin1(language);
-    spec.title = QString::fromUtf8(title);
-    return spec;
+SubtitleRecipe subtitle(SubtitleFormat format, const char* language, const char* title = "") {
+    SubtitleRecipe recipe;
+    recipe.format = format;
+    recipe.language = QString::fromLatin1(language);
+    recipe.title = QString::fromUtf8(title);
+    return recipe;
 }
 
 // SRT "eng" default+SDH, ASS "ger" forced, WebVTT "fre", PGS "spa", DVD untagged; a font and
 // two chapters. Streams: 0 video, 1 audio, 2..6 subtitles, 7 the font.
-MediaFixtures::VideoSpec richMkv() {
-    MediaFixtures::VideoSpec spec;
-    spec.fontAttachment = true;
-    spec.chapters = true;
-    SubtitleSpec srt = subtitle(SubtitleFormat::srt, "eng", "English SDH");
+MediaFixtures::VideoRecipe richMkv() {
+    MediaFixtures::VideoRecipe recipe;
+    recipe.fontAttachment = true;
+    recipe.chapters = true;
+    SubtitleRecipe srt = subtitle(SubtitleFormat::srt, "eng", "English SDH");
     srt.isDefault = true;
     srt.hearingImpaired = true;
-    SubtitleSpec ass = subtitle(SubtitleFormat::ass, "ger", "Signs");
+    SubtitleRecipe ass = subtitle(SubtitleFormat::ass, "ger", "Signs");
     ass.forced = true;
-    spec.subtitles = {srt, ass, subtitle(SubtitleFormat::webvtt, "fre", "Français"),
-                      subtitle(SubtitleFormat::pgs, "spa"),
-                      subtitle(SubtitleFormat::dvdSubtitle, "")};
-    return spec;
+    recipe.subtitles = {srt, ass, subtitle(SubtitleFormat::webvtt, "fre", "Français"),
+                        subtitle(SubtitleFormat::pgs, "spa"),
+                        subtitle(SubtitleFormat::dvdSubtitle, "")};
+    return recipe;
 }
 
 QByteArray readAll(const QString& path) {
@@ -216,7 +216,7 @@ TEST(FFmpeg, ExtractCopiesSrtAndAssAndConvertsTheOtherTextFormats) {
 
     const QString srt = tools.extract(info.tracks[0], video, dir.path());
     EXPECT_EQ(srt, dir.filePath(QStringLiteral("source_2.srt")));
-    EXPECT_EQ(readAll(srt), MediaFixtures::srtText(SubtitleSpec().lines));
+    EXPECT_EQ(readAll(srt), MediaFixtures::srtText(SubtitleRecipe().lines));
 
     const QString ass = tools.extract(info.tracks[1], video, dir.path());
     EXPECT_EQ(ass, dir.filePath(QStringLiteral("source_3.ass")));
@@ -228,7 +228,7 @@ TEST(FFmpeg, ExtractCopiesSrtAndAssAndConvertsTheOtherTextFormats) {
     EXPECT_TRUE(readAll(vtt).contains("00:00:02,500 --> 00:00:03,400\nFine, thanks."));
 
     const QString mp4 = dir.filePath(QStringLiteral("clip.mp4"));
-    MediaFixtures::VideoSpec mp4Spec;
+    MediaFixtures::VideoRecipe mp4Spec;
     mp4Spec.subtitles = {subtitle(SubtitleFormat::movText, "eng")};
     MediaFixtures::writeVideo(mp4, mp4Spec);
     const SubtitleTrack movText = tools.inspect(mp4).tracks.value(0);
@@ -244,12 +244,12 @@ TEST(FFmpeg, ExtractKeepsEveryCueOfARealWorldFile) {
         GTEST_SKIP() << "the subtitle corpus is not here";
     QTemporaryDir dir;
     const QString video = dir.filePath(QStringLiteral("got.mkv"));
-    MediaFixtures::VideoSpec spec;
-    spec.audio = false;
-    SubtitleSpec english = subtitle(SubtitleFormat::srt, "", "English");
+    MediaFixtures::VideoRecipe recipe;
+    recipe.audio = false;
+    SubtitleRecipe english = subtitle(SubtitleFormat::srt, "", "English");
     english.contents = original;
-    spec.subtitles = {english};
-    MediaFixtures::writeVideo(video, spec);
+    recipe.subtitles = {english};
+    MediaFixtures::writeVideo(video, recipe);
 
     const FFmpeg tools = MediaFixtures::tools();
     const auto track = tools.inspect(video).pickSource(QStringLiteral("eng"));
@@ -441,9 +441,9 @@ TEST(FFmpeg, MuxMarksTheNewTrackForcedOnlyWhenItIsNotDefault) {
 TEST(FFmpeg, MuxIntoMp4EncodesTheNewTrackAsMovText) {
     QTemporaryDir dir;
     const QString source = dir.filePath(QStringLiteral("clip.mp4"));
-    MediaFixtures::VideoSpec spec;
-    spec.subtitles = {subtitle(SubtitleFormat::movText, "eng")};
-    MediaFixtures::writeVideo(source, spec);
+    MediaFixtures::VideoRecipe recipe;
+    recipe.subtitles = {subtitle(SubtitleFormat::movText, "eng")};
+    MediaFixtures::writeVideo(source, recipe);
     const FFmpeg tools = MediaFixtures::tools();
     const QString srt = tools.extract(tools.inspect(source).tracks.value(0), source, dir.path());
     const QString output = dir.filePath(QStringLiteral("clip.es.mp4"));
@@ -460,7 +460,7 @@ TEST(FFmpeg, MuxIntoMp4EncodesTheNewTrackAsMovText) {
 TEST(FFmpeg, FailedMuxLeavesNothingBehindAndNeverTouchesTheSource) {
     QTemporaryDir dir;
     const QString source = dir.filePath(QStringLiteral("in.mkv"));
-    MediaFixtures::writeVideo(source, MediaFixtures::VideoSpec());
+    MediaFixtures::writeVideo(source, MediaFixtures::VideoRecipe());
     const QByteArray original = readAll(source);
     QDir(dir.path()).mkdir(QStringLiteral("out"));
     const QString output = dir.filePath(QStringLiteral("out/in.es.mkv"));
