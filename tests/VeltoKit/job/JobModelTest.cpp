@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "VeltoKit/job/JobError.h"
 #include "VeltoKit/job/JobOptions.h"
 #include "VeltoKit/job/JobStage.h"
 #include "VeltoKit/job/TranslationJob.h"
-#include "support/QStringPrinter.h"
 
 using namespace velto;
 using namespace Qt::StringLiterals;
@@ -34,11 +32,6 @@ TEST(JobModel, StagesAreTheirLabelsInDeclarationOrder) {
         EXPECT_EQ(jobStageFromLabel(label(stage)), stage);
     EXPECT_EQ(ordinal(JobStage::stripping), 5);
     EXPECT_EQ(ordinal(allJobStages().back()), 8);
-}
-
-TEST(JobModel, RefusalsCarryTheirMessageAsItStands) {
-    EXPECT_EQ(JobError::noSourceTrack(u"a medida"_s).description(), u"a medida"_s);
-    EXPECT_EQ(JobError::bitmapOnly(u"sin OCR"_s).kind(), JobError::Kind::bitmapOnly);
 }
 
 TEST(JobModel, DefaultOutputLiesBesideTheSource) {

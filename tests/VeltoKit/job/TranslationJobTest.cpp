@@ -5,7 +5,6 @@
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QProcess>
@@ -13,128 +12,100 @@
 
 #include <gtest/gtest.h>
 
-#include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/engines/EchoBackend.h"
 #include "VeltoKit/job/JobError.h"
 #include "VeltoKit/subtitles/SrtDocument.h"
 #include "VeltoKit/translation/BlockProtocol.h"
 #include "support/MediaFixtures.h"
-#include "support/QStringPrinter.h"
 
 using namespace velto;
 using namespace Qt::StringLiterals;
 using MediaFixtures::SubtitleFormat;
 using MediaFixtures::SubtitleRecipe;
-using MediaFixtures::VideoRecipe;
 
 namespace {
 
-// The echo engine, counting what it is asked; it can refuse one line (its block goes missing
-// from every answer) and pull the plug on a given call, as a user's cancel would.
+// The echo engine, counting the texts it is asked for; it can refuse one line (its block goes
+// missing from every answer) and pull the plug on a given call, as a user's cancel would.
 class ObservedEcho : public TranslationBackend {
 public:
     QString label() const override { return m_echo.label(); }
-    void preflight(std::stop_token stop) const override { m_echo.preflight(stop); }
+    void preflight(std::stop_token) const override {}
 
     QString complete(const QString& system, const QString& prompt,
                      std::stop_token stop) const override {
-        const int call = ++calls;
         requestedTexts += static_cast<int>(BlockProtocol::split(prompt).size());
-        if (call == cancelOnCall) {
-            cancel->request_stop();
+        if (++calls == cancelOnCall) {
+            cancel.request_stop();
             throwIfStopped(stop);
         }
-        QString answer = m_echo.complete(system, prompt, stop);
-        if (!refused.isEmpty()) {
-            std::map<int, QString> blocks = BlockProtocol::split(answer);
-            std::erase_if(blocks, [&](const auto& b) { return b.second.contains(refused); });
-            answer = BlockProtocol::build({blocks.begin(), blocks.end()});
-        }
-        return answer;
+        std::map<int, QString> blocks = BlockProtocol::split(m_echo.complete(system, prompt, stop));
+        std::erase_if(blocks, [&](const auto& b) { return b.second.contains(refused); });
+        return BlockProtocol::build({blocks.begin(), blocks.end()});
     }
 
     mutable std::atomic<int> calls = 0;
     mutable std::atomic<int> requestedTexts = 0;
-    QString refused;
+    QString refused = u"\u0001"_s;
     int cancelOnCall = 0;
-    std::stop_source* cancel = nullptr;
+    std::stop_source cancel;
 
 private:
     EchoBackend m_echo;
 };
 
-SubtitleRecipe english(const QStringList& lines) {
-    SubtitleRecipe recipe;
-    recipe.language = QStringLiteral("eng");
-    recipe.title = QStringLiteral("English");
-    recipe.lines = lines;
-    return recipe;
-}
-
-SubtitleRecipe track(SubtitleFormat format, const QString& language, bool forced = false) {
+SubtitleRecipe track(SubtitleFormat format, const QString& language, int lines = 3) {
     SubtitleRecipe recipe;
     recipe.format = format;
     recipe.language = language;
-    recipe.forced = forced;
+    recipe.lines.clear();
+    for (int i = 1; i <= lines; ++i)
+        recipe.lines.append(u"Line number %1."_s.arg(i));
     return recipe;
 }
 
-QStringList numberedLines(int count) {
-    QStringList lines;
-    for (int i = 1; i <= count; ++i)
-        lines.append(QStringLiteral("Line number %1.").arg(i));
-    return lines;
+QByteArray fingerprint(const QString& file) {
+    QFile bytes(file);
+    bytes.open(QIODevice::ReadOnly);
+    return QCryptographicHash::hash(bytes.readAll(), QCryptographicHash::Sha256) +
+           QFileInfo(file).lastModified().toString(Qt::ISODateWithMs).toUtf8();
+}
+
+// The cues of Matroska track `id` as mkvextract, an independent reader, writes them.
+QList<SrtCue> cuesOf(const QString& file, qint64 id, const QString& scratch) {
+    QProcess::execute(u"mkvextract"_s, {file, u"tracks"_s, QString::number(id) + u':' + scratch});
+    QFile srt(scratch);
+    srt.open(QIODevice::ReadOnly);
+    return SrtDocument::parse(QString::fromUtf8(srt.readAll())).cues();
 }
 
 class TranslationJobTest : public testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(m_root.isValid());
-        QDir(m_root.path()).mkpath(QStringLiteral("tmp"));
-        m_oldTemp = qgetenv("TMPDIR");
+        QDir(m_root.path()).mkpath(u"tmp"_s);
         // Every working folder of the job lands here, where the tests can see what is left.
-        qputenv("TMPDIR", QFile::encodeName(path(QStringLiteral("tmp"))));
+        qputenv("TMPDIR", QFile::encodeName(path(u"tmp"_s)));
     }
     void TearDown() override { qputenv("TMPDIR", m_oldTemp); }
 
     QString path(const QString& name) const { return QDir(m_root.path()).filePath(name); }
 
     QString video(const QString& name, const QList<SubtitleRecipe>& subtitles) const {
-        VideoRecipe recipe;
-        recipe.subtitles = subtitles;
-        const QString file = path(name);
-        MediaFixtures::writeVideo(file, recipe);
-        return file;
+        MediaFixtures::writeVideo(path(name), {.subtitles = subtitles});
+        return path(name);
     }
 
-    JobResult run(const QString& source, JobOptions options, const ObservedEcho& backend,
-                  std::stop_token stop = {}) {
+    JobResult run(const QString& source, JobOptions options, const ObservedEcho& backend) {
         m_updates.clear();
-        const std::shared_ptr<const TranslationBackend> shared(&backend, [](auto*) {});
-        const TranslationJob job(MediaFixtures::tools(), shared, std::move(options),
-                                 path(QStringLiteral("cache")));
+        const TranslationJob job(MediaFixtures::tools(), {&backend, [](auto*) {}},
+                                 std::move(options), path(u"cache"_s));
         return job.run(
-            source, [this](const JobUpdate& update) { m_updates.append(update); }, stop);
-    }
-
-    // The message of the refusal, after checking that nothing was written or extracted.
-    QString refusal(const QString& source, const JobOptions& options) {
-        ObservedEcho backend;
-        try {
-            run(source, options, backend);
-        } catch (const JobError& error) {
-            EXPECT_EQ(leftovers(), QStringList());
-            EXPECT_FALSE(QFile::exists(TranslationJob::defaultOutputURL(source, u".es"_s)));
-            EXPECT_EQ(m_updates.size(), 1) << "only the analysis ran";
-            EXPECT_EQ(backend.calls, 0);
-            return error.description();
-        }
-        ADD_FAILURE() << "expected a refusal";
-        return {};
+            source, [this](const JobUpdate& update) { m_updates.append(update); },
+            backend.cancel.get_token());
     }
 
     QStringList leftovers() const {
-        return QDir(path(QStringLiteral("tmp"))).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+        return QDir(path(u"tmp"_s)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
     }
 
     QStringList details(JobStage stage) const {
@@ -147,41 +118,17 @@ protected:
     }
 
     QTemporaryDir m_root;
-    QByteArray m_oldTemp;
+    QByteArray m_oldTemp = qgetenv("TMPDIR");
     QList<JobUpdate> m_updates;
 };
-
-// The cues of Matroska track `id` as mkvextract, an independent reader, writes them.
-QList<SrtCue> cuesOf(const QString& file, qint64 id, const QString& scratch) {
-    QProcess mkvextract;
-    mkvextract.start(QStringLiteral("mkvextract"),
-                     {file, QStringLiteral("tracks"), QString::number(id) + u':' + scratch});
-    mkvextract.waitForFinished(-1);
-    QFile srt(scratch);
-    srt.open(QIODevice::ReadOnly);
-    return SrtDocument::parse(QString::fromUtf8(srt.readAll())).cues();
-}
-
-struct Fingerprint {
-    QByteArray sha256;
-    QDateTime modified;
-    bool operator==(const Fingerprint&) const = default;
-};
-
-Fingerprint fingerprint(const QString& file) {
-    QFile bytes(file);
-    bytes.open(QIODevice::ReadOnly);
-    return {QCryptographicHash::hash(bytes.readAll(), QCryptographicHash::Sha256),
-            QFileInfo(file).lastModified()};
-}
 
 } // namespace
 
 TEST_F(TranslationJobTest, WritesAVerifiedCopyWithTheEchoTrackAndReportsEveryStage) {
-    QStringList lines = numberedLines(11);
-    lines[6] = QStringLiteral("<i>Nobody translates me.</i>");
-    const QString source = video(u"Movie.mkv"_s, {english(lines)});
-    const Fingerprint before = fingerprint(source);
+    SubtitleRecipe english = track(SubtitleFormat::srt, u"eng"_s, 11);
+    english.lines[6] = u"<i>Nobody translates me.</i>"_s;
+    const QString source = video(u"Movie.mkv"_s, {english});
+    const QByteArray before = fingerprint(source);
     ObservedEcho backend;
     backend.refused = u"Nobody"_s;
     JobOptions options;
@@ -196,11 +143,9 @@ TEST_F(TranslationJobTest, WritesAVerifiedCopyWithTheEchoTrackAndReportsEverySta
     EXPECT_EQ(result.failedLines, 1);
     EXPECT_EQ(result.warnings.last(), u"Lote de 1 sin traducir (faltan o sobran bloques "
                                       u"(esperados 1, recibidos 0))"_s);
-    ASSERT_EQ(result.finalTracks.size(), 2);
-    EXPECT_EQ(result.finalTracks[1].language, u"spa"_s);
     EXPECT_EQ(leftovers(), QStringList());
+    EXPECT_EQ(fingerprint(source), before) << "the source is only read";
 
-    // Stages in the order the job passes through them; the counts as the user reads them.
     QList<JobStage> stages;
     for (const JobUpdate& update : m_updates) {
         if (stages.isEmpty() || stages.last() != update.stage)
@@ -217,84 +162,91 @@ TEST_F(TranslationJobTest, WritesAVerifiedCopyWithTheEchoTrackAndReportsEverySta
 
     // mkvmerge reads the new track as asked, and its cues are the echo of the source's, at the
     // source's times; the refused line keeps its original wording.
-    const QJsonArray tracks =
-        MediaFixtures::mkvmergeIdentify(result.outputURL)[u"tracks"].toArray();
-    const QJsonObject added = tracks.last().toObject()[u"properties"].toObject();
+    ASSERT_EQ(result.finalTracks.size(), 2);
+    const QJsonObject added = MediaFixtures::mkvmergeIdentify(result.outputURL)[u"tracks"]
+                                  .toArray()
+                                  .last()[u"properties"]
+                                  .toObject();
     EXPECT_EQ(added[u"language"].toString(), u"spa"_s);
     EXPECT_EQ(added[u"track_name"].toString(), u"Castellano de prueba"_s);
     EXPECT_TRUE(added[u"default_track"].toBool());
     const QList<SrtCue> original =
-        cuesOf(result.outputURL, result.finalTracks[0].index, path(u"en.srt"_s));
+        cuesOf(result.outputURL, result.finalTracks[0].index, path(u"en"_s));
     const QList<SrtCue> translated =
-        cuesOf(result.outputURL, result.finalTracks[1].index, path(u"es.srt"_s));
-    ASSERT_EQ(translated.size(), original.size());
+        cuesOf(result.outputURL, result.finalTracks[1].index, path(u"es"_s));
+    ASSERT_EQ(translated.size(), 11);
     for (qsizetype i = 0; i < original.size(); ++i) {
-        EXPECT_EQ(translated[i].start, original[i].start);
-        EXPECT_EQ(translated[i].end, original[i].end);
-        const QString expected = i == 6 ? original[i].text : u"[ES] "_s + original[i].text;
-        EXPECT_EQ(translated[i].text, expected);
+        EXPECT_EQ(translated[i].start + translated[i].end, original[i].start + original[i].end);
+        EXPECT_EQ(translated[i].text, (i == 6 ? u""_s : u"[ES] "_s) + original[i].text);
     }
-    EXPECT_EQ(fingerprint(source), before) << "the source is only read";
 }
 
 TEST_F(TranslationJobTest, RefusesBeforeWritingAnything) {
-    JobOptions options;
-    ObservedEcho backend;
-    try {
-        run(path(u"missing.mkv"_s), options, backend);
-        ADD_FAILURE() << "a missing video cannot be translated";
-    } catch (const FileError& error) {
-        EXPECT_EQ(error.description(),
-                  u"No encuentro el video «"_s + path(u"missing.mkv"_s) + u"»."_s);
-    }
-    EXPECT_EQ(refusal(video(u"none.mkv"_s, {}), options),
-              u"El archivo no tiene ninguna pista de subtítulos, no hay nada que traducir."_s);
-
+    const QString english = video(u"Movie.mkv"_s, {track(SubtitleFormat::srt, u"eng"_s)});
     const QString images = video(u"images.mkv"_s, {track(SubtitleFormat::pgs, u"eng"_s),
                                                    track(SubtitleFormat::dvdSubtitle, u"eng"_s)});
-    EXPECT_EQ(refusal(images, options),
-              u"No hay subtítulos de texto para traducir. Las pistas disponibles son de imagen "
-              u"(dvd_subtitle, hdmv_pgs_subtitle) y harían falta OCR."_s);
-    options.forcedTrackIndex = MediaFixtures::tools().inspect(images).tracks.first().index;
-    EXPECT_EQ(refusal(images, options),
-              u"La pista #"_s + QString::number(*options.forcedTrackIndex) +
-                  u" es de imagen (hdmv_pgs_subtitle) y no se puede traducir sin OCR."_s);
-
-    // Spanish with forced-only Spanish is no reason to stop; full Spanish is, unless forced.
-    options = {};
     const QString spanish = video(u"spanish.mkv"_s, {track(SubtitleFormat::srt, u"spa"_s)});
-    EXPECT_EQ(refusal(spanish, options),
-              u"El archivo ya tiene subtítulos en español. Activá «Traducir igual» si querés "
-              u"hacerlo de todos modos."_s);
-    options.force = true;
-    EXPECT_EQ(refusal(spanish, options), u"No encontré ninguna pista de subtítulos en inglés. "
-                                         u"Elegí una pista a mano en la lista."_s);
-
-    const QString source = video(u"Movie.mkv"_s, {english(numberedLines(2))});
-    for (const QString& output : {u"./Movie.mkv"_s, u"sub/../Movie.mkv"_s}) {
-        options.outputURL = path(output);
-        EXPECT_EQ(refusal(source, options),
-                  u"La salida no puede ser el mismo archivo que la entrada."_s);
+    struct Case {
+        QString source;
+        std::function<void(JobOptions&)> ask;
+        QString message;
+    };
+    const QList<Case> cases = {
+        {path(u"missing.mkv"_s),
+         {},
+         u"No encuentro el video «"_s + path(u"missing.mkv"_s) + u"»."_s},
+        {video(u"none.mkv"_s, {}),
+         {},
+         u"El archivo no tiene ninguna pista de subtítulos, no hay nada que traducir."_s},
+        {images,
+         {},
+         u"No hay subtítulos de texto para traducir. Las pistas disponibles son de imagen "
+         u"(dvd_subtitle, hdmv_pgs_subtitle) y harían falta OCR."_s},
+        {images, [](JobOptions& o) { o.forcedTrackIndex = 2; },
+         u"La pista #2 es de imagen (hdmv_pgs_subtitle) y no se puede traducir sin OCR."_s},
+        {spanish,
+         {},
+         u"El archivo ya tiene subtítulos en español. Activá «Traducir igual» si querés hacerlo "
+         u"de todos modos."_s},
+        {spanish, [](JobOptions& o) { o.force = true; },
+         u"No encontré ninguna pista de subtítulos en inglés. Elegí una pista a mano en la lista."_s},
+        {english, [&](JobOptions& o) { o.outputURL = path(u"./Movie.mkv"_s); },
+         u"La salida no puede ser el mismo archivo que la entrada."_s},
+        {english, [&](JobOptions& o) { o.outputURL = path(u"sub/../Movie.mkv"_s); },
+         u"La salida no puede ser el mismo archivo que la entrada."_s},
+    };
+    for (const Case& refusal : cases) {
+        SCOPED_TRACE(refusal.message.toStdString());
+        JobOptions options;
+        if (refusal.ask)
+            refusal.ask(options);
+        ObservedEcho backend;
+        try {
+            run(refusal.source, options, backend);
+            ADD_FAILURE() << "expected a refusal";
+        } catch (const VeltoError& error) {
+            EXPECT_EQ(error.description(), refusal.message);
+        }
+        EXPECT_EQ(m_updates.size(), 1) << "only the analysis ran";
+        EXPECT_EQ(leftovers(), QStringList());
+        EXPECT_FALSE(QFile::exists(TranslationJob::defaultOutputURL(refusal.source, u".es"_s)));
     }
 }
 
 TEST_F(TranslationJobTest, ACancelLeavesNothingBehindAndTheNextRunPaysOnlyForWhatWasMissing) {
-    const QString source = video(u"Movie.mkv"_s, {english(numberedLines(12))});
+    const QString source = video(u"Movie.mkv"_s, {track(SubtitleFormat::srt, u"eng"_s, 12)});
     JobOptions options;
     options.batchSize = 5;
     options.concurrency = 1;
-    std::stop_source cancel;
     ObservedEcho cancelled;
     cancelled.cancelOnCall = 2;
-    cancelled.cancel = &cancel;
-    EXPECT_THROW(run(source, options, cancelled, cancel.get_token()), Cancelled);
+    EXPECT_THROW(run(source, options, cancelled), Cancelled);
     EXPECT_EQ(leftovers(), QStringList());
     EXPECT_FALSE(QFile::exists(path(u"Movie.es.mkv"_s)));
 
     ObservedEcho resumed;
-    const JobResult result = run(source, options, resumed);
+    EXPECT_EQ(run(source, options, resumed).translatedCount, 12);
     EXPECT_EQ(resumed.requestedTexts, 7) << "the first batch of five came from the cache";
-    EXPECT_EQ(result.translatedCount, 12);
     EXPECT_EQ(details(JobStage::translating),
               (QStringList{u"12 subtítulos"_s, u"5 de 12  ·  5 en caché"_s,
                            u"10 de 12  ·  5 en caché"_s, u"12 de 12  ·  5 en caché"_s}));
