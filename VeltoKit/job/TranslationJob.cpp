@@ -81,6 +81,7 @@ public:
             TranslationJob::defaultOutputURL(m_source, QStringLiteral(".es")));
         if (sameFile(m_output, m_source))
             throw JobError::sameInputOutput();
+        checkOutputFolder();
 
         const WorkingDirectory work;
         auto document = extract(track, work);
@@ -121,6 +122,20 @@ private:
         if (!info.isReadable()) {
             throw FileError(QStringLiteral("No tengo permiso para leer «") + name +
                             QStringLiteral("»."));
+        }
+    }
+
+    // Found out now rather than after the whole translation was paid for.
+    void checkOutputFolder() const {
+        const QFileInfo folder(QFileInfo(m_output).absolutePath());
+        const QString name = QDir::toNativeSeparators(folder.filePath());
+        if (!folder.isDir()) {
+            throw FileError(QStringLiteral("La carpeta de salida «") + name +
+                            QStringLiteral("» no existe."));
+        }
+        if (!folder.isWritable()) {
+            throw FileError(QStringLiteral("No tengo permiso para escribir en la carpeta «") +
+                            name + QStringLiteral("»."));
         }
     }
 

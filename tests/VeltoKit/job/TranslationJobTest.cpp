@@ -214,6 +214,8 @@ TEST_F(TranslationJobTest, RefusesBeforeWritingAnything) {
          u"La salida no puede ser el mismo archivo que la entrada."_s},
         {english, [&](JobOptions& o) { o.outputURL = path(u"sub/../Movie.mkv"_s); },
          u"La salida no puede ser el mismo archivo que la entrada."_s},
+        {english, [&](JobOptions& o) { o.outputURL = path(u"sub/Movie.es.mkv"_s); },
+         u"La carpeta de salida «"_s + path(u"sub"_s) + u"» no existe."_s},
     };
     for (const Case& refusal : cases) {
         SCOPED_TRACE(refusal.message.toStdString());
