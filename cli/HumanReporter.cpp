@@ -35,23 +35,43 @@ QString secondsText(double seconds) {
 HumanReporter::HumanReporter(bool redraw, FILE* out, FILE* err)
     : m_redraw(redraw)
     , m_out(out)
-    , m_err(err) {}
+    , m_err(err) {
+    if (m_redraw)
+        m_ticker = std::jthread([this](std::stop_token stop) { tick(stop); });
+}
+
+void HumanReporter::tick(std::stop_token stop) {
+    std::unique_lock lock(m_mutex);
+    while (!m_wake.wait_for(lock, stop, std::chrono::seconds(1), [] { return false; }) &&
+           !stop.stop_requested()) {
+        if (m_current)
+            drawStatusLine();
+    }
+}
 
 void HumanReporter::started(const QString&) {
+    const std::lock_guard lock(m_mutex);
     m_clock.start();
     m_lastPlainLine.clear();
 }
 
 void HumanReporter::update(const JobUpdate& update) {
-    const QString line = statusLine(update);
+    const std::lock_guard lock(m_mutex);
     if (m_redraw) {
-        writeText(m_out, QStringLiteral("\r\x1b[2K") + fitToTerminal(line, m_out));
-        std::fflush(m_out);
-        m_statusShown = true;
-    } else if (line != m_lastPlainLine) {
+        m_current = update;
+        drawStatusLine();
+        return;
+    }
+    const QString line = statusLine(update);
+    if (line != m_lastPlainLine) {
         writeText(m_out, line + u'\n');
         m_lastPlainLine = line;
     }
+}
+
+void HumanReporter::drawStatusLine() {
+    writeText(m_out, QStringLiteral("\r\x1b[2K") + fitToTerminal(statusLine(*m_current), m_out));
+    std::fflush(m_out);
 }
 
 QString HumanReporter::statusLine(const JobUpdate& update) const {
@@ -66,13 +86,14 @@ QString HumanReporter::statusLine(const JobUpdate& update) const {
 }
 
 void HumanReporter::clearStatusLine() {
-    if (m_statusShown) {
+    if (m_current) {
         writeText(m_out, QStringLiteral("\r\x1b[2K"));
-        m_statusShown = false;
+        m_current.reset();
     }
 }
 
 void HumanReporter::tracks(const QString& video, const MediaInfo& info) {
+    const std::lock_guard lock(m_mutex);
     QString text = video + u'\n';
     for (const SubtitleTrack& track : info.tracks)
         text += QStringLiteral("  ") + track.summary() + u'\n';
@@ -82,6 +103,7 @@ void HumanReporter::tracks(const QString& video, const MediaInfo& info) {
 }
 
 void HumanReporter::finished(const QString& video, const JobResult& result) {
+    const std::lock_guard lock(m_mutex);
     clearStatusLine();
     QStringList counts{QString::number(result.translatedCount) +
                        QStringLiteral(" subtítulos traducidos")};
@@ -107,6 +129,7 @@ void HumanReporter::finished(const QString& video, const JobResult& result) {
 }
 
 void HumanReporter::failed(const QString& video, const QString& message, const QString& hint) {
+    const std::lock_guard lock(m_mutex);
     clearStatusLine();
     std::fflush(m_out);
     QString text = QStringLiteral("No se pudo traducir ") + QFileInfo(video).fileName() +
@@ -117,6 +140,7 @@ void HumanReporter::failed(const QString& video, const QString& message, const Q
 }
 
 void HumanReporter::cancelled(const QString& video) {
+    const std::lock_guard lock(m_mutex);
     clearStatusLine();
     std::fflush(m_out);
     writeText(m_err, QStringLiteral("Cancelado: ") + QFileInfo(video).fileName() +
