@@ -11,45 +11,39 @@ namespace velto::SubtitleCorpus {
 
 namespace {
 
+QRegularExpression lineStart(const char* pattern) {
+    return QRegularExpression(QString::fromLatin1(pattern),
+                              QRegularExpression::CaseInsensitiveOption |
+                                  QRegularExpression::MultilineOption |
+                                  QRegularExpression::UseUnicodePropertiesOption);
+}
+
 // Files without an extension are judged by their content.
 QString codecFor(const QString& path, const QString& text) {
+    static const QRegularExpression assLine = lineStart("^\\s*(\\[script info\\]|dialogue:)");
     const QString suffix = QFileInfo(path).suffix().toLower();
-    if (suffix == u"ass" || suffix == u"ssa")
-        return QStringLiteral("ass");
-    if (suffix == u"srt")
-        return QStringLiteral("subrip");
-    static const QRegularExpression assLine(QStringLiteral("^\\s*(\\[script info\\]|dialogue:)"),
-                                            QRegularExpression::CaseInsensitiveOption |
-                                                QRegularExpression::MultilineOption);
-    return assLine.match(text).hasMatch() ? QStringLiteral("ass") : QStringLiteral("subrip");
+    const bool ass = suffix == u"ass" || suffix == u"ssa" ||
+                     (suffix != u"srt" && assLine.match(text).hasMatch());
+    return ass ? QStringLiteral("ass") : QStringLiteral("subrip");
 }
 
 } // namespace
 
 bool File::holdsNoCue() const {
-    static const QRegularExpression dialogue(QStringLiteral("^[ \\t]*dialogue[ \\t]*:"),
-                                             QRegularExpression::CaseInsensitiveOption |
-                                                 QRegularExpression::MultilineOption);
-    static const QRegularExpression timing(
-        QStringLiteral(
-            "^\\s*-?\\d{1,3}:\\d\\d:\\d\\d[,.]\\d{1,3}\\s*-->\\s*-?\\d{1,3}:\\d\\d:\\d\\d[,.]\\d"),
-        QRegularExpression::MultilineOption);
+    static const QRegularExpression dialogue = lineStart("^[ \\t]*dialogue[ \\t]*:");
+    static const QRegularExpression timing = lineStart(
+        "^\\s*-?\\d{1,3}:\\d\\d:\\d\\d[,.]\\d{1,3}\\s*-->\\s*-?\\d{1,3}:\\d\\d:\\d\\d[,.]\\d");
     return !(codec == u"ass" ? dialogue : timing).match(text).hasMatch();
 }
 
-QString directory() {
-    return QStringLiteral(VELTO_CORPUS_DIR);
-}
-
 QList<File> files(const QString& root) {
-    static const QStringList notSubtitles = {QStringLiteral("SOURCES.md"),
-                                             QStringLiteral("SHA256SUMS"),
-                                             QStringLiteral(".gitattributes")};
+    static const QStringList notes = {QStringLiteral("SOURCES.md"), QStringLiteral("SHA256SUMS"),
+                                      QStringLiteral(".gitattributes")};
     QStringList paths;
-    QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
+    for (QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+         it.hasNext();) {
         const QString path = it.next();
-        if (!notSubtitles.contains(it.fileName()))
+        if (!notes.contains(it.fileName()))
             paths.append(path);
     }
     paths.sort();

@@ -15,8 +15,11 @@ struct File {
     bool holdsNoCue() const;
 };
 
-// The shared real-world corpus (VELTO_CORPUS_DIR); may be missing on a machine without it.
-QString directory();
+// The shared real-world corpus; may be missing on a machine without it.
+inline QString directory() {
+    return QStringLiteral(VELTO_CORPUS_DIR);
+}
+
 // Every subtitle file under `root` and its subfolders, sorted by path, the corpus's own notes
 // (SOURCES.md, SHA256SUMS, .gitattributes) left out.
 QList<File> files(const QString& root);

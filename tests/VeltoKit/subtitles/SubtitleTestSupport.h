@@ -1,47 +1,35 @@
 #pragma once
 
-#include <ostream>
+// What every subtitle test uses: the parsers, GoogleTest, and a few helpers.
+#include <gtest/gtest.h>
 
-#include <QStringList>
-
+#include "VeltoKit/subtitles/AssDocument.h"
+#include "VeltoKit/subtitles/SrtDocument.h"
 #include "VeltoKit/subtitles/SubtitleError.h"
-#include "VeltoKit/subtitles/TimingSignature.h"
-#include "support/QStringPrinter.h"
-
-inline void PrintTo(const QStringList& list, std::ostream* out) {
-    *out << '[' << list.join(QStringLiteral(", ")).toStdString() << ']';
-}
+#include "VeltoKit/subtitles/Subtitles.h"
 
 namespace velto {
 
-inline void PrintTo(const TimingSignature& signature, std::ostream* out) {
-    *out << signature.toListNotation().toStdString();
-}
+inline const QString assEvents =
+    QStringLiteral("[Events]\nFormat: Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, "
+                   "Effect, Text\n");
 
 inline QString testDataFile(const QString& name) {
     return QStringLiteral(VELTO_TEST_DATA_DIR "/subtitles/") + name;
 }
 
-// The description of the error an operation throws, or "(no error)".
-template <typename Error, typename Operation>
-QString errorOf(Operation operation) {
-    try {
-        operation();
-    } catch (const Error& error) {
-        return error.description();
-    }
-    return QStringLiteral("(no error)");
-}
-
-// "empty: <message>" or "timingChanged: <message>", or "(no error)".
+// The description of the error an operation throws ("empty: " or "timingChanged: " before a
+// SubtitleError's), or "(no error)".
 template <typename Operation>
-QString subtitleErrorOf(Operation operation) {
+QString errorOf(Operation operation) {
     try {
         operation();
     } catch (const SubtitleError& error) {
         const bool empty = error.kind() == SubtitleError::Kind::empty;
         return (empty ? QStringLiteral("empty: ") : QStringLiteral("timingChanged: ")) +
                error.description();
+    } catch (const VeltoError& error) {
+        return error.description();
     }
     return QStringLiteral("(no error)");
 }
