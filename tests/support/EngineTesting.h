@@ -2,51 +2,25 @@
 
 #include <chrono>
 #include <functional>
-#include <mutex>
+#include <memory>
 #include <optional>
-#include <stop_token>
 #include <vector>
 
-#include <QByteArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QString>
 
 #include <gtest/gtest.h>
 
+#include "VeltoKit/engines/HttpClient.h"
 #include "VeltoKit/engines/Retry.h"
-#include "VeltoKit/engines/TranslationError.h"
-#include "support/QStringPrinter.h"
+#include "VeltoKit/engines/TranslationBackend.h"
 #include "support/ScriptedHttpServer.h"
 
 namespace velto::test {
 
-// A retry wait that records the pauses instead of sleeping.
-class RecordedWaits {
-public:
-    Retry::Wait wait() {
-        return [this](std::chrono::seconds pause, std::stop_token) {
-            std::lock_guard lock(m_mutex);
-            m_waits.push_back(pause);
-        };
-    }
-    std::vector<std::chrono::seconds> waits() const {
-        std::lock_guard lock(m_mutex);
-        return m_waits;
-    }
-    void clear() {
-        std::lock_guard lock(m_mutex);
-        m_waits.clear();
-    }
-
-private:
-    mutable std::mutex m_mutex;
-    std::vector<std::chrono::seconds> m_waits;
-};
-
 // The error of type `Error` that `call` throws, if it throws one; other exceptions pass.
-template <typename Error = TranslationError, typename Call>
-std::optional<Error> errorOf(Call&& call) {
+template <typename Error = TranslationError>
+std::optional<Error> errorOf(const std::function<void()>& call) {
     try {
         call();
     } catch (const Error& error) {
@@ -62,8 +36,14 @@ inline QString fatalMessageOf(const std::function<void()>& call) {
     return error ? error->message() : QString();
 }
 
-inline QJsonObject jsonObject(const char* json) {
-    return QJsonDocument::fromJson(json).object();
+// The message of the TranslationError that `call` throws, marked " (fatal)" when fatal.
+inline QString outcomeOf(const std::function<void()>& call) {
+    const TranslationError error = errorOf(call).value();
+    return error.fatal() ? error.message() + QStringLiteral(" (fatal)") : error.message();
+}
+
+inline QJsonObject json(const QByteArray& text) {
+    return QJsonDocument::fromJson(text).object();
 }
 
 // An HTTP answer and the engine error it must become.
@@ -74,24 +54,38 @@ struct FailureRow {
     bool fatal;
 };
 
-// Serves `row` to every attempt of `call` and checks the error, that a fatal one is sent once
-// and a transient one `attempts` times with the back-off waits in between.
-inline void expectFailure(ScriptedHttpServer& server, RecordedWaits& waits, int attempts,
-                          const FailureRow& row, const std::function<void()>& call) {
-    SCOPED_TRACE(::testing::Message()
-                 << "status " << row.status << ": " << row.body.left(80).data());
-    server.reset();
-    waits.clear();
-    server.script({row.status, row.body}, attempts);
-    const std::optional<TranslationError> error = errorOf(call);
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->message().toStdString(), row.message.toStdString());
-    EXPECT_EQ(error->fatal(), row.fatal);
-    EXPECT_EQ(server.hits(), row.fatal ? 1 : attempts);
-    std::vector<std::chrono::seconds> expected;
-    for (int attempt = 0; !row.fatal && attempt < attempts - 1; ++attempt)
-        expected.push_back(Retry::backoffDelay(attempt));
-    EXPECT_EQ(waits.waits(), expected);
-}
+// A scripted server, a client, and retry waits recorded instead of slept.
+class EngineTest : public ::testing::Test {
+protected:
+    static QString ask(const TranslationBackend& engine, std::stop_token stop = {}) {
+        return engine.complete(QStringLiteral("Sos traductor."), QStringLiteral("Traducí: Hi"),
+                               stop);
+    }
+
+    // Serves each row to every attempt of `call`: a fatal error must end it after one request, a
+    // transient one after `attempts`, with the back-off waits in between.
+    void expectFailures(int attempts, const std::vector<FailureRow>& rows,
+                        const std::function<void()>& call) {
+        for (const FailureRow& row : rows) {
+            SCOPED_TRACE(::testing::Message() << row.status << ' ' << row.body.left(80).data());
+            server.reset();
+            waits.clear();
+            server.script({row.status, row.body}, attempts);
+            const std::optional<TranslationError> error = errorOf(call);
+            ASSERT_TRUE(error);
+            EXPECT_EQ(error->message(), row.message);
+            EXPECT_EQ(error->fatal(), row.fatal);
+            EXPECT_EQ(server.hits(), row.fatal ? 1 : attempts);
+            EXPECT_EQ(waits.size(), size_t(row.fatal ? 0 : attempts - 1));
+        }
+    }
+
+    ScriptedHttpServer server;
+    std::shared_ptr<HttpClient> http = std::make_shared<HttpClient>();
+    std::vector<std::chrono::seconds> waits;
+    const Retry::Wait wait = [this](std::chrono::seconds pause, std::stop_token) {
+        waits.push_back(pause);
+    };
+};
 
 } // namespace velto::test

@@ -1,23 +1,18 @@
 #pragma once
 
-#include <atomic>
-#include <condition_variable>
-#include <deque>
+#include <future>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <thread>
-#include <vector>
 
 #include <QByteArray>
-#include <QJsonObject>
+#include <QList>
 #include <QMap>
+#include <QSet>
 #include <QString>
 
 namespace httplib {
 class Server;
-struct Request;
-struct Response;
 } // namespace httplib
 
 namespace velto::test {
@@ -25,61 +20,49 @@ namespace velto::test {
 struct ScriptedReply {
     int status = 200;
     QByteArray body;
-    QByteArray contentType = "application/json";
-    // Never answers; the request is held until the server is destroyed.
     bool hang = false;
 
-    static ScriptedReply silence();
+    // Never answers: the request is held until the server goes away.
+    static ScriptedReply silence() { return {0, {}, true}; }
 };
 
 struct ReceivedRequest {
     QByteArray method;
-    QByteArray target;                    // path and query
-    QMap<QByteArray, QByteArray> headers; // names in lower case
+    QByteArray target; // path and query
     QByteArray body;
-
-    QJsonObject json() const;
+    QMap<QByteArray, QByteArray> headers; // names in lower case
 };
 
 // A real HTTP server on 127.0.0.1 that answers every GET and POST from a script, in order, and
-// records what it received and over how many connections.
+// records what it received and over how many connections. Past the script it answers 418, so an
+// unexpected call shows up in the test.
 class ScriptedHttpServer {
 public:
     ScriptedHttpServer();
     ~ScriptedHttpServer();
-    ScriptedHttpServer(const ScriptedHttpServer&) = delete;
-    ScriptedHttpServer& operator=(const ScriptedHttpServer&) = delete;
 
-    // "http://127.0.0.1:<port>"
-    QString baseUrl() const;
+    QString baseUrl() const { return QStringLiteral("http://127.0.0.1:%1").arg(m_port); }
     int port() const { return m_port; }
-
-    // Queues `reply` for the next `times` requests. Without a script every request gets a 418,
-    // so an unexpected call shows up in the test.
     void script(const ScriptedReply& reply, int times = 1);
-    // Forgets the recorded requests and the rest of the script.
+    // Forgets the requests and connections seen and the rest of the script.
     void reset();
-
-    std::vector<ReceivedRequest> requests() const;
-    int hits() const;
-    // Distinct client connections seen since the last reset.
-    int connections() const;
-    // Blocks until `count` requests have arrived (false after a minute).
-    bool waitForRequests(int count) const;
+    QList<ReceivedRequest> requests() const;
+    int hits() const { return int(requests().size()); }
+    int connections() const {
+        std::lock_guard lock(m_mutex);
+        return int(m_clientPorts.size());
+    }
 
 private:
-    void handle(const httplib::Request& request, httplib::Response& response);
-
     std::unique_ptr<httplib::Server> m_server;
     int m_port = 0;
-    std::atomic<bool> m_listenerReturned = false;
     std::thread m_listener;
+    std::promise<void> m_release;
+    std::shared_future<void> m_released = m_release.get_future().share();
     mutable std::mutex m_mutex;
-    mutable std::condition_variable m_changed;
-    std::deque<ScriptedReply> m_script;
-    std::vector<ReceivedRequest> m_requests;
-    std::set<int> m_clientPorts;
-    bool m_stopping = false;
+    QList<ScriptedReply> m_script;
+    QList<ReceivedRequest> m_requests;
+    QSet<int> m_clientPorts;
 };
 
 } // namespace velto::test

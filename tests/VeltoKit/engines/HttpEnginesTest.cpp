@@ -1,0 +1,269 @@
+#include <thread>
+
+#include "VeltoKit/engines/AnthropicBackend.h"
+#include "VeltoKit/engines/GeminiBackend.h"
+#include "VeltoKit/engines/JsonReader.h"
+#include "VeltoKit/engines/OpenAICompatibleBackend.h"
+#include "support/EngineTesting.h"
+#include "support/Eventually.h"
+
+using namespace velto;
+using namespace velto::test;
+using namespace Qt::StringLiterals;
+using Effort = AnthropicBackend::Effort;
+
+namespace {
+
+class AnthropicEngine : public EngineTest {
+protected:
+    // A client deaf to a stop would wait out the hour: the cancel test would hang, not pass.
+    AnthropicBackend backend(const QString& key = u"clave"_s) {
+        return AnthropicBackend(key, u"claude-haiku-4-5"_s, Effort::xhigh, 16000, 3600, http, wait,
+                                server.baseUrl());
+    }
+};
+
+class OpenAICompatibleEngine : public EngineTest {
+protected:
+    OpenAICompatibleBackend backend(const QString& base, const QString& key = {},
+                                    const QString& model = u"qwen3:8b"_s, double timeout = 30) {
+        return {base, model, key, u"Ollama"_s, 0.3, timeout, http, wait};
+    }
+    QString v1() const { return server.baseUrl() + u"/v1"_s; }
+};
+
+class GeminiEngine : public EngineTest {
+protected:
+    GeminiBackend backend(const QString& key = u"AIza"_s,
+                          const QString& model = u"gemini-2.5-flash"_s) {
+        return {key, model, v1beta() + u"/"_s, 0.3, 16000, 30, http, wait};
+    }
+    QString v1beta() const { return server.baseUrl() + u"/v1beta"_s; }
+};
+
+// An error body in the shape both Anthropic and Gemini use.
+QByteArray error(const char* message) {
+    return R"({"error":{"message":")" + QByteArray(message) + "\"}}";
+}
+
+} // namespace
+
+TEST_F(AnthropicEngine, PostsOneMessageAndJoinsTheTextBlocksUntrimmed) {
+    server.script({200, R"({"content":[{"type":"thinking","thinking":"mmm"},
+        {"type":"text","text":"\nHola"},{"type":"text"},{"type":"text","text":" mundo\n"}],
+        "usage":{"input_tokens":9,"output_tokens":3},"stop_reason":"end_turn"})"});
+    EXPECT_EQ(ask(backend()), u"\nHola mundo\n"_s);
+    const ReceivedRequest request = server.requests().at(0);
+    EXPECT_EQ(request.method + ' ' + request.target, "POST /v1/messages");
+    EXPECT_EQ(request.headers.value("content-type"), "application/json");
+    EXPECT_EQ(request.headers.value("x-api-key"), "clave");
+    EXPECT_EQ(request.headers.value("anthropic-version"), "2023-06-01");
+    EXPECT_EQ(json(request.body), json(R"({"model":"claude-haiku-4-5","max_tokens":16000,
+        "system":"Sos traductor.","output_config":{"effort":"xhigh"},
+        "messages":[{"role":"user","content":"Traducí: Hi"}]})"));
+}
+
+TEST_F(AnthropicEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes) {
+    const QString busy = u"El servicio está saturado (%1): "_s;
+    const QString empty = u"La API devolvió una respuesta vacía."_s;
+    std::vector<FailureRow> rows{
+        {400, error("too big"), u"Pedido inválido (400): too big"_s, true},
+        {401, error("bad key"), u"La API key fue rechazada (401): bad key"_s, true},
+        {403, "no", u"La API key fue rechazada (403): no"_s, true},
+        {404, error("model: x"), u"Modelo no encontrado (404): model: x"_s, true},
+        {201, "{}", u"Error 201: {}"_s, false},
+        {500, QByteArray(1000, 'x'), busy.arg(500) + QString(300, u'x'), false},
+        {200, R"({"content":[{"type":"text","text":"No."}],"stop_reason":"refusal"})",
+         u"El modelo declinó traducir este fragmento. Probá con otro modelo."_s, false},
+        {200, R"({"content":[{"type":"text","text":"\n\n"}]})", empty, false},
+        {200, R"({"stop_reason":"end_turn"})", empty, false},
+    };
+    for (int status : {429, 500, 502, 503, 529})
+        rows.push_back({status, error("Overloaded"), busy.arg(status) + u"Overloaded"_s, false});
+    expectFailures(4, rows, [&] { ask(backend()); });
+
+    server.reset();
+    server.script({200, "<html>proxy</html>"}, 4);
+    EXPECT_THROW(ask(backend()), JsonError);
+    EXPECT_EQ(server.hits(), 4);
+}
+
+TEST_F(AnthropicEngine, AMissingKeyFailsWithoutTrafficNamingTheSystemKeychain) {
+    EXPECT_EQ(fatalMessageOf([&] { ask(backend({})); }), AnthropicBackend::missingKeyMessage());
+    EXPECT_EQ(AnthropicBackend::missingKeyMessage(PlatformText::System::macOS),
+              u"Falta la API key de Anthropic. Cargala en Ajustes: la clave se guarda en el "
+              u"Llavero de macOS."_s);
+    EXPECT_EQ(server.hits(), 0);
+}
+
+TEST_F(AnthropicEngine, ACancelDuringASlowAnswerEndsTheCallAtOnce) {
+    server.script(ScriptedReply::silence());
+    std::stop_source stop;
+    std::jthread call([&] { EXPECT_THROW(ask(backend(), stop.get_token()), Cancelled); });
+    ASSERT_TRUE(eventually([&] { return server.hits() == 1; }));
+    stop.request_stop();
+    call.join();
+    EXPECT_EQ(server.hits(), 1); // the retries of a cancelled call send nothing
+}
+
+TEST(AnthropicCatalogue, EffortsRoundTripThroughTheirStoredValues) {
+    QStringList raw;
+    for (Effort effort : AnthropicBackend::efforts()) {
+        raw << AnthropicBackend::rawValue(effort);
+        EXPECT_EQ(AnthropicBackend::effortFromRawValue(raw.last()), effort);
+    }
+    EXPECT_EQ(raw.join(u' '), u"low medium high xhigh max"_s);
+    EXPECT_EQ(AnthropicBackend::effortFromRawValue(u"extreme"), std::nullopt);
+}
+
+TEST_F(OpenAICompatibleEngine, PostsTheChatAndStripsThinkingButNotTheAnswer) {
+    server.script({200, R"({"choices":[{"message":{"content":)"
+                        R"("<think>a</think>Hola\n<think>\nb\n</think> mundo\n"}}]})"},
+                  2);
+    EXPECT_EQ(ask(backend(u" "_s + v1() + u"// \n"_s)), u"Hola\n mundo\n"_s);
+    EXPECT_EQ(ask(backend(v1(), u"sk-1"_s)), u"Hola\n mundo\n"_s);
+    const QList<ReceivedRequest> requests = server.requests();
+    EXPECT_EQ(requests.at(0).method + ' ' + requests.at(0).target, "POST /v1/chat/completions");
+    EXPECT_EQ(requests.at(0).headers.value("content-type"), "application/json");
+    EXPECT_FALSE(requests.at(0).headers.contains("authorization"));
+    EXPECT_EQ(requests.at(1).headers.value("authorization"), "Bearer sk-1");
+    EXPECT_EQ(json(requests.at(0).body), json(R"({"model":"qwen3:8b","temperature":0.3,
+        "stream":false,"messages":[{"role":"system","content":"Sos traductor."},
+        {"role":"user","content":"Traducí: Hi"}]})"));
+}
+
+TEST_F(OpenAICompatibleEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes) {
+    const QString empty = u"El modelo local devolvió una respuesta vacía."_s;
+    std::vector<FailureRow> rows{
+        {400, "bad", u"Pedido inválido (400): bad"_s, true},
+        {401, "no", u"La API key fue rechazada (401): no"_s, true},
+        {403, "no", u"La API key fue rechazada (403): no"_s, true},
+        {404, R"({"error":"x"})",
+         uR"(El servidor no reconoce el modelo «qwen3:8b» (404). {"error":"x"})"_s, true},
+        {500, QByteArray(1000, 'x'), u"El servicio está saturado (500): "_s + QString(300, u'x'),
+         false},
+        {200, R"({"choices":[{"message":{"content":"<think>solo pienso</think>\n\n"}}]})", empty,
+         false},
+        {200, R"({"choices":[]})", empty, false},
+        {200, R"({"choices":[{"message":{"content":null}}]})", empty, false},
+    };
+    for (int status : {429, 502, 503})
+        rows.push_back(
+            {status, "ocupado", u"El servicio está saturado (%1): ocupado"_s.arg(status), false});
+    for (int status : {201, 501, 504, 529})
+        rows.push_back({status, "raro", u"El servidor devolvió %1: raro"_s.arg(status), false});
+    expectFailures(3, rows, [&] { ask(backend(v1())); });
+}
+
+TEST_F(OpenAICompatibleEngine, AServerThatCannotBeReachedFailsOnceWithoutWaiting) {
+    const QString local = u". ¿Está corriendo el servidor local?"_s;
+    const int closedPort = ScriptedHttpServer().port();
+    for (const QString& host : {u"127.0.0.1"_s, u"localhost"_s, u"127.0.0.2"_s}) {
+        const QString base = u"http://%1:%2/v1"_s.arg(host).arg(closedPort);
+        const QString advice =
+            host == u"127.0.0.2" ? u". Revisá la dirección y tu conexión."_s : local;
+        EXPECT_EQ(fatalMessageOf([&] { ask(backend(base)); }),
+                  u"No pude conectarme a "_s + base + advice);
+    }
+    server.script(ScriptedReply::silence());
+    EXPECT_EQ(fatalMessageOf([&] { ask(backend(v1(), {}, u"m"_s, 0.2)); }),
+              u"No pude conectarme a "_s + v1() + local);
+    EXPECT_EQ(server.hits(), 1);
+    EXPECT_TRUE(waits.empty());
+}
+
+TEST_F(OpenAICompatibleEngine, RefusesAMissingModelOrAnInvalidAddressBeforeSending) {
+    EXPECT_EQ(fatalMessageOf([&] { ask(backend(v1(), {}, {})); }),
+              u"Elegí un modelo en Ajustes."_s);
+    for (const QString& base : {u"localhost:11434/v1"_s, u"ftp://127.0.0.1/v1"_s, u"http:///v1"_s})
+        EXPECT_EQ(fatalMessageOf([&] { ask(backend(base)); }),
+                  u"La dirección del servidor no es válida."_s);
+    EXPECT_EQ(server.hits(), 0);
+}
+
+TEST_F(OpenAICompatibleEngine, ListsTheServersModelsSorted) {
+    server.script({200, R"({"object":"list","data":[{"id":"zeta"},{"id":"Alfa"},{"id":"beta"}]})"});
+    server.script({500, "roto"});
+    const auto list = [&] {
+        return OpenAICompatibleBackend::listModels(v1() + u"/ "_s, u"k"_s, *http, {});
+    };
+    EXPECT_EQ(list(), QStringList({u"Alfa"_s, u"beta"_s, u"zeta"_s}));
+    EXPECT_EQ(server.requests().at(0).target, "/v1/models");
+    EXPECT_EQ(server.requests().at(0).headers.value("authorization"), "Bearer k");
+    EXPECT_EQ(fatalMessageOf(list), u"El servidor respondió con un error al listar modelos."_s);
+}
+
+TEST_F(GeminiEngine, PostsGenerateContentAndKeepsAnAnswerCutByTheTokenLimit) {
+    server.script({200, R"({"candidates":[{"content":{"parts":[{"text":"Hola"},{},{"text":" mun"}]},
+        "finishReason":"MAX_TOKENS"},{"content":{"parts":[{"text":"otra"}]}}]})"});
+    EXPECT_EQ(ask(backend()), u"Hola mun"_s);
+    const ReceivedRequest request = server.requests().at(0);
+    EXPECT_EQ(request.method + ' ' + request.target,
+              "POST /v1beta/models/gemini-2.5-flash:generateContent");
+    EXPECT_EQ(request.headers.value("x-goog-api-key"), "AIza");
+    EXPECT_EQ(request.headers.value("content-type"), "application/json");
+    EXPECT_EQ(json(request.body),
+              json(R"({"systemInstruction":{"parts":[{"text":"Sos traductor."}]},
+        "contents":[{"role":"user","parts":[{"text":"Traducí: Hi"}]}],
+        "generationConfig":{"temperature":0.3,"maxOutputTokens":16000},
+        "safetySettings":[{"category":"HARM_CATEGORY_HARASSMENT","threshold":"BLOCK_NONE"},
+          {"category":"HARM_CATEGORY_HATE_SPEECH","threshold":"BLOCK_NONE"},
+          {"category":"HARM_CATEGORY_SEXUALLY_EXPLICIT","threshold":"BLOCK_NONE"},
+          {"category":"HARM_CATEGORY_DANGEROUS_CONTENT","threshold":"BLOCK_NONE"}]})"));
+}
+
+TEST_F(GeminiEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes) {
+    const QString rejected = u"La API key de Gemini fue rechazada: "_s;
+    const QString refused = u"Gemini rechazó el pedido (%1): "_s;
+    const QString denied = u"La API key de Gemini no tiene permiso (%1): nope"_s;
+    std::vector<FailureRow> rows{
+        {400, error("API key not valid."), rejected + u"API key not valid."_s, true},
+        {400, error("Expired API Key"), rejected + u"Expired API Key"_s, true},
+        {400, error("Invalid JSON"), refused.arg(400) + u"Invalid JSON"_s, true},
+        {404, "no existe", refused.arg(404) + u"no existe"_s, true},
+        {401, error("nope"), denied.arg(401), true},
+        {403, error("nope"), denied.arg(403), true},
+        {502, QByteArray(1000, 'x'), u"Error 502 de Gemini: "_s + QString(300, u'x'), false},
+        {200, R"({"promptFeedback":{"blockReason":"OTHER"}})",
+         u"Gemini bloqueó este fragmento (OTHER). Probá con otro modelo o motor."_s, false},
+        {200, R"({"candidates":[]})", u"Gemini no devolvió ninguna respuesta."_s, false},
+        {200, R"({"candidates":[{"content":{"parts":[{"text":"Ho"}]},"finishReason":"SAFETY"}]})",
+         u"Gemini cortó la respuesta (SAFETY)."_s, false},
+        {200, R"({"candidates":[{"finishReason":"STOP"}]})",
+         u"Gemini devolvió una respuesta vacía."_s, false},
+    };
+    for (int status : {429, 500, 503})
+        rows.push_back(
+            {status, error("busy"), u"Gemini está saturado (%1): busy"_s.arg(status), false});
+    expectFailures(4, rows, [&] { ask(backend()); });
+}
+
+TEST_F(GeminiEngine, RefusesAMissingKeyModelOrAddressBeforeSending) {
+    EXPECT_EQ(fatalMessageOf([&] { ask(backend({})); }),
+              u"Falta la API key de Gemini. Sacala de https://aistudio.google.com/apikey y "
+              u"cargala en Ajustes."_s);
+    EXPECT_EQ(fatalMessageOf([&] { ask(backend(u"k"_s, {})); }),
+              u"Elegí un modelo de Gemini en Ajustes."_s);
+    EXPECT_EQ(fatalMessageOf([&] { ask(backend(u"k"_s, u"gemini pro"_s)); }),
+              u"La dirección de Gemini no es válida."_s);
+    EXPECT_EQ(server.hits(), 0);
+}
+
+TEST_F(GeminiEngine, ListsOnlyGenerativeModelsWithoutTheirPrefix) {
+    server.script({200, R"({"models":[{"name":"models/gemini-2.5-pro",
+        "supportedGenerationMethods":["generateContent","countTokens"]},{"name":"models/aqa"},
+        {"name":"models/embedding","supportedGenerationMethods":["embedContent"]},
+        {"name":"models/gemini-2.0-flash","supportedGenerationMethods":["generateContent"]}]})"});
+    server.script({403, error("Permission denied")});
+    server.script({200, "[]"});
+    const auto list = [&](const QString& key) {
+        return GeminiBackend::listModels(key, v1beta() + u" /"_s, *http, {});
+    };
+    EXPECT_EQ(list(u"k"_s), QStringList({u"gemini-2.0-flash"_s, u"gemini-2.5-pro"_s}));
+    EXPECT_EQ(server.requests().at(0).target, "/v1beta/models?pageSize=200");
+    EXPECT_EQ(server.requests().at(0).headers.value("x-goog-api-key"), "k");
+    const QString failed = u"Gemini no devolvió los modelos: "_s;
+    EXPECT_EQ(fatalMessageOf([&] { list(u"k"_s); }), failed + u"Permission denied"_s);
+    EXPECT_EQ(fatalMessageOf([&] { list(u"k"_s); }), failed + u"no pude leer la lista"_s);
+    EXPECT_EQ(fatalMessageOf([&] { list({}); }), u"Cargá primero la API key de Gemini."_s);
+}

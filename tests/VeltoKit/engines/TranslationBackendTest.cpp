@@ -1,0 +1,86 @@
+#include "VeltoKit/engines/TranslationBackend.h"
+
+#include <thread>
+
+#include "VeltoKit/engines/EchoBackend.h"
+#include "support/EngineTesting.h"
+
+using namespace velto;
+using namespace velto::test;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using Waits = std::vector<std::chrono::seconds>;
+
+TEST(Retry, RetriesAllButFatalErrorsWithCappedDoublingWaitsAndRethrowsTheLast) {
+    std::stop_source stop;
+    stop.request_stop();
+    Waits waits;
+    const Retry::Wait record = [&](std::chrono::seconds pause, std::stop_token token) {
+        EXPECT_TRUE(token.stop_requested());
+        waits.push_back(pause);
+    };
+    // A cancellation is retried too: the wait hears the stop, the next attempt reports it.
+    const auto lastSucceeds = [&](int attempt) {
+        if (attempt < 6)
+            throwIfStopped(stop.get_token());
+        return attempt;
+    };
+    EXPECT_EQ(Retry::withBackoff(7, lastSucceeds, stop.get_token(), record), 6);
+    EXPECT_EQ(waits, (Waits{1s, 2s, 4s, 8s, 16s, 16s}));
+
+    waits.clear();
+    const auto failing = [](int attempt) -> int {
+        throw TranslationError(QString::number(attempt), attempt == 2);
+    };
+    const auto outcome = [&](int attempts) {
+        return outcomeOf([&] { Retry::withBackoff(attempts, failing, stop.get_token(), record); });
+    };
+    EXPECT_EQ(outcome(2), u"1"_s);
+    EXPECT_EQ(outcome(9), u"2 (fatal)"_s);
+    EXPECT_EQ(outcome(0), u"Fallo desconocido"_s);
+    EXPECT_EQ(waits, (Waits{1s, 1s, 2s}));
+}
+
+TEST(Retry, TheRealWaitWakesWhenStopped) {
+    std::stop_source stop;
+    std::jthread stopper([&] { stop.request_stop(); });
+    Retry::cancellableWait(1h, stop.get_token()); // a deaf wait hangs the test here
+}
+
+namespace {
+
+class Answering : public TranslationBackend {
+public:
+    explicit Answering(QString answer)
+        : m_answer(std::move(answer)) {}
+    QString label() const override { return {}; }
+    QString complete(const QString&, const QString&, std::stop_token) const override {
+        return m_answer;
+    }
+
+private:
+    QString m_answer;
+};
+
+} // namespace
+
+TEST(TranslationBackend, DefaultPreflightWantsPongAnywhereAndQuotesAnythingElse) {
+    EXPECT_NO_THROW(Answering(u"Claro: pong.\n"_s).preflight({}));
+    const QString start = u"El motor respondió algo inesperado al chequeo inicial: "_s;
+    EXPECT_EQ(fatalMessageOf([] { Answering(u"Listo"_s).preflight({}); }), start + u"Listo"_s);
+    EXPECT_EQ(fatalMessageOf([] { Answering(QString(250, u'x')).preflight({}); }),
+              start + QString(200, u'x'));
+    EXPECT_NO_THROW(EchoBackend().preflight({}));
+}
+
+TEST(EchoBackend, EchoesTheBlocksAfterTheLastHeaderInNumberOrder) {
+    const EchoBackend echo;
+    EXPECT_EQ(echo.complete({}, u"#@#2#@#\nDos\n#@#1#@#\nUno\nDos"_s, {}),
+              u"#@#1#@#\n[ES] Uno\nDos\n#@#2#@#\n[ES] Dos"_s);
+    // Context lines and blocks quoted before the last header are never echoed.
+    EXPECT_EQ(
+        echo.complete(
+            {}, u"#@#9#@#\nviejo\nBLOQUES A TRADUCIR:\nBLOQUES A TRADUCIR:\n#@#1#@#\nnuevo"_s, {}),
+        u"#@#1#@#\n[ES] nuevo"_s);
+    EXPECT_EQ(echo.complete({}, u"Sin bloques."_s, {}), QString());
+}
