@@ -78,9 +78,8 @@ TEST(EchoBackend, EchoesTheBlocksAfterTheLastHeaderInNumberOrder) {
     EXPECT_EQ(echo.complete({}, u"#@#2#@#\nDos\n#@#1#@#\nUno\nDos"_s, {}),
               u"#@#1#@#\n[ES] Uno\nDos\n#@#2#@#\n[ES] Dos"_s);
     // Context lines and blocks quoted before the last header are never echoed.
-    EXPECT_EQ(
-        echo.complete(
-            {}, u"#@#9#@#\nviejo\nBLOQUES A TRADUCIR:\nBLOQUES A TRADUCIR:\n#@#1#@#\nnuevo"_s, {}),
-        u"#@#1#@#\n[ES] nuevo"_s);
+    const QString context = u"#@#9#@#\nviejo\nBLOQUES A TRADUCIR:\n#@#8#@#\nmedio\n"_s;
+    EXPECT_EQ(echo.complete({}, context + u"BLOQUES A TRADUCIR:\n#@#1#@#\nnuevo"_s, {}),
+              u"#@#1#@#\n[ES] nuevo"_s);
     EXPECT_EQ(echo.complete({}, u"Sin bloques."_s, {}), QString());
 }
