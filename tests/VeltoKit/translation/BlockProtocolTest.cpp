@@ -2,54 +2,70 @@
 
 #include <gtest/gtest.h>
 
+#include "VeltoKit/engines/EchoBackend.h"
 #include "VeltoKit/translation/SpanishVariant.h"
+#include "VeltoKit/translation/Translator.h"
 #include "support/QStringPrinter.h"
 
 using namespace velto;
+using namespace Qt::StringLiterals;
 
-using Blocks = std::map<int, QString>;
-
-TEST(BlockProtocol, BuildPutsEachTextVerbatimUnderItsMarker) {
-    EXPECT_EQ(BlockProtocol::marker(12), QStringLiteral("#@#12#@#"));
-    EXPECT_EQ(BlockProtocol::build({{1, QStringLiteral("Hola\nchau")}}),
-              QStringLiteral("#@#1#@#\nHola\nchau"));
-    EXPECT_EQ(BlockProtocol::build({{2, QStringLiteral("<i>a</i>")}, {1, QString()}}),
-              QStringLiteral("#@#2#@#\n<i>a</i>\n#@#1#@#\n"));
+TEST(BlockProtocol, BuildsTextsVerbatimAndSplitsAnswersBackIntoNumberedBodies) {
+    EXPECT_EQ(BlockProtocol::build({{12, u"Hola\nchau"_s}, {1, QString()}}),
+              u"#@#12#@#\nHola\nchau\n#@#1#@#\n"_s);
+    const std::vector<std::pair<QString, std::map<int, QString>>> answers = {
+        {u"  #@#1#@#  \nuno\n\n#@#2#@#\ndos  \n"_s, {{1, u"uno"_s}, {2, u"dos"_s}}},
+        // Leading indentation and inner blank lines are the text's; trailing Unicode spaces not.
+        {u"#@#1#@#\n\n  uno\n\ndos\u00a0\u3000\n\n"_s, {{1, u"  uno\n\ndos"_s}}},
+        {u"Acá van:\n#@#1#@#\nhola"_s, {{1, u"hola"_s}}},
+        {u"#@#1#@#\nhola #@#3#@#\nchau"_s, {{1, u"hola #@#3#@#\nchau"_s}}},
+        {u"#@#2#@#\nviejo\n#@#2#@#\nnuevo"_s, {{2, u"nuevo"_s}}},
+        {u"Sin marcadores."_s, {}},
+        // A number too big to parse still ends the block before it.
+        {u"#@#1#@#\na\n#@#99999999999#@#\nb"_s, {{1, u"a"_s}}},
+    };
+    for (const auto& [answer, blocks] : answers)
+        EXPECT_EQ(BlockProtocol::split(answer), blocks) << answer.toStdString();
 }
 
-TEST(BlockProtocol, SplitTrimsBodiesAndToleratesPaddedMarkers) {
-    EXPECT_EQ(BlockProtocol::split(QStringLiteral("  #@#1#@#  \nuno\n\n#@#2#@#\ndos  \n")),
-              (Blocks{{1, QStringLiteral("uno")}, {2, QStringLiteral("dos")}}));
-    // Leading indentation and inner blank lines are the text's; trailing Unicode spaces are not.
-    EXPECT_EQ(BlockProtocol::split(QStringLiteral("#@#1#@#\n\n  uno\n\ndos\u00a0\u3000\n\n")),
-              (Blocks{{1, QStringLiteral("  uno\n\ndos")}}));
+// Raw values are what settings and the command line store: only the exact ones name a variant.
+TEST(SpanishVariant, OnlyTheExactRawValuesNameAVariantInPickerOrder) {
+    const QStringList raws = {u"neutro"_s, u"rioplatense"_s, u"latino"_s, u"espana"_s};
+    for (qsizetype k = 0; k < raws.size(); ++k)
+        EXPECT_EQ(spanishVariantFromRawValue(raws[k]), allSpanishVariants().at(k));
+    for (QStringView raw : {u"españa", u"Neutro", u""})
+        EXPECT_EQ(spanishVariantFromRawValue(raw), std::nullopt);
 }
 
-TEST(BlockProtocol, SplitIgnoresPreamblesAndInlineMarkersAndKeepsTheLastRepeat) {
-    EXPECT_EQ(BlockProtocol::split(QStringLiteral("Acá van:\n#@#1#@#\nhola")),
-              (Blocks{{1, QStringLiteral("hola")}}));
-    EXPECT_EQ(BlockProtocol::split(QStringLiteral("#@#1#@#\nhola #@#3#@#\nchau")),
-              (Blocks{{1, QStringLiteral("hola #@#3#@#\nchau")}}));
-    EXPECT_EQ(BlockProtocol::split(QStringLiteral("#@#2#@#\nviejo\n#@#2#@#\nnuevo")),
-              (Blocks{{2, QStringLiteral("nuevo")}}));
-    EXPECT_EQ(BlockProtocol::split(QStringLiteral("Sin marcadores.")), Blocks{});
-    // A number too big to parse still ends the block before it.
-    EXPECT_EQ(BlockProtocol::split(QStringLiteral("#@#1#@#\na\n#@#99999999999#@#\nb")),
-              (Blocks{{1, QStringLiteral("a")}}));
-}
+TEST(Prompts, SystemPromptAndRequestsCarryTheirExactTexts) {
+    const auto translator = [](qint64 contextLines) {
+        return Translator(std::make_shared<EchoBackend>(), u"japonés"_s,
+                          SpanishVariant::rioplatense, 10, contextLines, 1, nullptr);
+    };
+    const QString system = translator(0).systemPrompt();
+    for (const QString& piece :
+         {u"Sos un traductor profesional de subtítulos para cine y series. Traducís del japonés "
+          u"al español.\n\nRecibís bloques numerados con marcadores de la forma #@#N#@#."_s,
+          u"\n4. Conservá tal cual, sin traducir ni reordenar, cualquier marca de la forma ⟪0⟫, "
+          u"⟪1⟫, etc."_s,
+          u"\n\nCRITERIO DE TRADUCCIÓN:\n- Registro: español rioplatense (Argentina/Uruguay): "
+          u"voseo, «vos tenés», «mirá», sin «tú» ni «vosotros».\n- Natural y hablado"_s})
+        EXPECT_TRUE(system.contains(piece)) << piece.toStdString();
+    EXPECT_TRUE(system.endsWith(u".\n- Si un bloque ya está en español, devolvelo igual."));
 
-TEST(SpanishVariant, RawValuesRoundTripAndNothingElseNamesAVariant) {
-    QStringList raws;
-    for (SpanishVariant variant : allSpanishVariants()) {
-        raws.append(rawValue(variant));
-        EXPECT_EQ(spanishVariantFromRawValue(rawValue(variant)), variant);
-    }
-    EXPECT_EQ(raws, (QStringList{QStringLiteral("neutro"), QStringLiteral("rioplatense"),
-                                 QStringLiteral("latino"), QStringLiteral("espana")}));
-    EXPECT_EQ(spanishVariantFromRawValue(u"españa"), std::nullopt);
-    EXPECT_EQ(spanishVariantFromRawValue(u"Neutro"), std::nullopt);
-    EXPECT_EQ(spanishVariantFromRawValue(u""), std::nullopt);
-    EXPECT_EQ(label(SpanishVariant::neutro), QStringLiteral("Neutro (recomendado)"));
-    EXPECT_EQ(label(SpanishVariant::espana), QStringLiteral("España"));
-    EXPECT_TRUE(dialectDescription(SpanishVariant::rioplatense).contains(u"«vos tenés»"));
+    const QString context = u"CONTEXTO PREVIO (líneas anteriores en el idioma original; NO las "
+                            u"traduzcas ni las incluyas en la respuesta, son solo para que "
+                            u"entiendas la escena):\n"_s;
+    const auto ask = [](int n) {
+        return u"Traducí los siguientes %1 bloques. Devolvé los %1 bloques con sus marcadores "
+               u"#@#N#@#, nada más.\n\nBLOQUES A TRADUCIR:\n"_s.arg(n);
+    };
+    const QStringList texts = {u"Hi."_s, u"- Who?\n- Me."_s, u"Run!"_s, u"Go."_s};
+    const std::tuple<qint64, QList<qsizetype>, QString> rows[] = {
+        {3, {1, 2}, context + u"Hi.\n\n"_s + ask(2) + u"#@#1#@#\n- Who?\n- Me.\n#@#2#@#\nRun!"_s},
+        {2, {3}, context + u"- Who?\n- Me.\nRun!\n\n"_s + ask(1) + u"#@#1#@#\nGo."_s},
+        {3, {0, 1}, ask(2) + u"#@#1#@#\nHi.\n#@#2#@#\n- Who?\n- Me."_s},
+    };
+    for (const auto& [contextLines, indices, prompt] : rows)
+        EXPECT_EQ(translator(contextLines).prompt(texts, indices), prompt);
 }

@@ -1,140 +1,207 @@
 #include "VeltoKit/translation/Translator.h"
 
+#include <condition_variable>
+#include <future>
+#include <mutex>
+
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-#include "ScriptedBackend.h"
-#include "VeltoKit/engines/EchoBackend.h"
-#include "VeltoKit/engines/TranslationError.h"
+#include "VeltoKit/core/VeltoError.h"
+#include "VeltoKit/engines/TranslationBackend.h"
+#include "VeltoKit/translation/BlockProtocol.h"
 #include "VeltoKit/translation/TranslationCache.h"
-#include "support/QStringPrinter.h"
+#include "support/EngineTesting.h"
 
 using namespace velto;
-using namespace velto::test;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-Translator translator(std::shared_ptr<const TranslationBackend> backend, qint64 batchSize,
-                      std::shared_ptr<TranslationCache> cache = nullptr, qint64 contextLines = 0) {
-    return Translator(std::move(backend), QStringLiteral("inglés"), SpanishVariant::neutro,
-                      batchSize, contextLines, 1, std::move(cache));
+// What the echo engine answers; also the default answer of the engine below.
+QStringList echoed(QStringList texts, std::stop_token = {}) {
+    for (QString& text : texts)
+        text.prepend(u"[ES] "_s);
+    return texts;
 }
 
-auto echoBackend() {
-    return std::make_shared<ScriptedBackend>(
-        [](const QStringList& texts, std::stop_token) { return answerWith(echoed(texts)); });
+// "0", "1", ...: texts that tell their own position.
+QStringList numberedTexts(int count) {
+    QStringList texts;
+    for (int i = 0; i < count; ++i)
+        texts.append(QString::number(i));
+    return texts;
 }
 
-const QString context = QStringLiteral(
-    "CONTEXTO PREVIO (líneas anteriores en el idioma original; NO las traduzcas ni las incluyas "
-    "en la respuesta, son solo para que entiendas la escena):\n");
+// Waits give up after a minute, so a translator that never lets the awaited moment happen fails
+// instead of hanging.
+constexpr auto patience = std::chrono::minutes(1);
+
+// The fixture is the engine: `answer` turns the texts of a request's blocks into translations,
+// and answers hand-shake through `mutex`.
+class TranslatorTest : public testing::Test, public TranslationBackend {
+protected:
+    QString label() const override { return u"guion"_s; }
+    QString complete(const QString&, const QString& prompt, std::stop_token stop) const override {
+        QStringList texts;
+        for (const auto& [number, text] :
+             BlockProtocol::split(prompt.sliced(prompt.lastIndexOf(BlockProtocol::header()))))
+            texts.append(text);
+        std::unique_lock lock(mutex);
+        requests.append(texts);
+        lock.unlock();
+        QList<std::pair<int, QString>> blocks;
+        for (const QString& translation : answer(texts, stop))
+            blocks.append({static_cast<int>(blocks.size() + 1), translation});
+        return BlockProtocol::build(blocks);
+    }
+
+    Translator::Result run(const QStringList& texts, qint64 batchSize, qint64 concurrency,
+                           std::shared_ptr<TranslationCache> cache = nullptr,
+                           std::stop_token stop = {},
+                           const Translator::ProgressHandler& onProgress = nullptr) {
+        // Not owned: the fixture outlives every translation.
+        const std::shared_ptr<const TranslationBackend> engine(std::shared_ptr<void>(), this);
+        return Translator(engine, u"inglés"_s, SpanishVariant::neutro, batchSize, 1, concurrency,
+                          std::move(cache))
+            .translateAll(texts, onProgress, stop);
+    }
+    std::shared_ptr<TranslationCache> cache() const {
+        return std::make_shared<TranslationCache>(dir.filePath(u"video.json"_s), u"s"_s);
+    }
+    // Keeps a request in flight until the translator stops it.
+    [[noreturn]] void holdUntilStopped(std::stop_token stop) const {
+        std::unique_lock lock(mutex);
+        ++held;
+        changed.notify_all();
+        changed.wait_for(lock, stop, patience, [] { return false; });
+        EXPECT_TRUE(stop.stop_requested());
+        throw Cancelled();
+    }
+    bool awaitHeld(int count) const {
+        std::unique_lock lock(mutex);
+        return changed.wait_for(lock, patience, [&] { return held == count; });
+    }
+
+    std::function<QStringList(const QStringList& texts, std::stop_token stop)> answer = echoed;
+    mutable QList<QStringList> requests;
+    mutable std::mutex mutex;
+    mutable std::condition_variable_any changed;
+    mutable int held = 0;
+    QTemporaryDir dir;
+};
 
 } // namespace
 
-TEST(Translator, SystemPromptNamesTheSourceLanguageAndTheDialect) {
-    const QString system = Translator(std::make_shared<EchoBackend>(), QStringLiteral("japonés"),
-                                      SpanishVariant::rioplatense, 10, 0, 1, nullptr)
-                               .systemPrompt();
-    EXPECT_TRUE(system.startsWith(
-        u"Sos un traductor profesional de subtítulos para cine y series. Traducís del japonés al "
-        u"español.\n\nRecibís bloques numerados"));
-    EXPECT_TRUE(system.contains(u"\n\nCRITERIO DE TRADUCCIÓN:\n- Registro: " +
-                                dialectDescription(SpanishVariant::rioplatense) +
-                                u".\n- Natural y hablado"));
-    EXPECT_TRUE(system.endsWith(u"- Si un bloque ya está en español, devolvelo igual."));
+TEST_F(TranslatorTest, NeverMoreRequestsInFlightThanAllowedAndResultsGoByPosition) {
+    int inFlight = 0, peak = 0, arrived = 0, done = 0;
+    answer = [&](const QStringList& texts, std::stop_token) {
+        const int batch = texts.first().toInt() / 2;
+        std::unique_lock lock(mutex);
+        peak = std::max(peak, ++inFlight);
+        ++arrived;
+        changed.notify_all();
+        // The first three batches wait for each other and end last to first; later ones stay in
+        // flight until then, so one that started too early shows in the peak.
+        EXPECT_TRUE(changed.wait_for(lock, patience, [&] {
+            return batch < 3 ? arrived >= 3 && done == 2 - batch : done >= 3;
+        }));
+        ++done;
+        --inFlight;
+        changed.notify_all();
+        return echoed(texts);
+    };
+    const QStringList texts = numberedTexts(24);
+    EXPECT_EQ(run(texts, 2, 3).translations, echoed(texts));
+    EXPECT_EQ(peak, 3);
 }
 
-TEST(Translator, PromptShowsOnlyTheSourceLinesBeforeTheBatchAsContext) {
-    const QStringList texts = {QStringLiteral("Hi."), QStringLiteral("- Who?\n- Me."),
-                               QStringLiteral("Run!"), QStringLiteral("Go.")};
-    const QString instruction = QStringLiteral("Traducí los siguientes 2 bloques. Devolvé los 2 "
-                                               "bloques con sus marcadores #@#N#@#, nada más.\n");
-    const Translator threeLines = translator(echoBackend(), 2, nullptr, 3);
-    EXPECT_EQ(threeLines.prompt(texts, {1, 2}),
-              context + u"Hi.\n\n" + instruction +
-                  u"\nBLOQUES A TRADUCIR:\n#@#1#@#\n- Who?\n- Me.\n#@#2#@#\nRun!");
-    EXPECT_EQ(threeLines.prompt(texts, {0, 1}),
-              instruction + u"\nBLOQUES A TRADUCIR:\n#@#1#@#\nHi.\n#@#2#@#\n- Who?\n- Me.");
-    EXPECT_TRUE(threeLines.prompt(texts, {3})
-                    .startsWith(context + u"Hi.\n- Who?\n- Me.\nRun!\n\n"
-                                          u"Traducí los siguientes 1 "));
-    EXPECT_TRUE(translator(echoBackend(), 2, nullptr, 2)
-                    .prompt(texts, {3})
-                    .startsWith(context + u"- Who?\n- Me.\nRun!\n\nTraducí"));
-    EXPECT_TRUE(translator(echoBackend(), 2).prompt(texts, {3}).startsWith(u"Traducí los "));
-}
-
-TEST(Translator, HalvesAFailingBatchDownToSingleTextsAndCountsOnlyTheHopelessOnes) {
+TEST_F(TranslatorTest, HalvesAFailingBatchDownToSingleTextsAndCountsOnlyTheHopelessOnes) {
     // Drops the last block of every answer with several texts; one text is always refused.
-    const auto backend = std::make_shared<ScriptedBackend>([](const QStringList& texts, auto) {
+    answer = [](const QStringList& texts, std::stop_token) {
         if (texts == QStringList{u"intraducible"_s})
             throw TranslationError(u"El motor no quiso responder."_s, false);
-        QStringList translations = echoed(texts);
-        if (translations.size() > 1)
-            translations.removeLast();
-        return answerWith(translations);
-    });
-    QStringList texts = numberedTexts(7);
-    texts.append(u"intraducible"_s);
-    const auto result = translator(backend, 8).translateAll(texts, nullptr, {});
-
-    QList<qsizetype> sizes;
-    for (const QStringList& request : backend->requests())
-        sizes.append(request.size());
-    EXPECT_EQ(sizes, (QList<qsizetype>{8, 4, 2, 1, 1, 2, 1, 1, 4, 2, 1, 1, 2, 1, 1}));
-    auto halved = [](int n) {
-        return u"Lote de %1 reintentado en dos mitades (faltan o sobran bloques (esperados %1, "
-               u"recibidos %2))"_s.arg(n)
-                   .arg(n - 1);
+        return echoed(texts.size() > 1 ? texts.first(texts.size() - 1) : texts);
     };
+    const auto result = run(numberedTexts(7) << u"intraducible"_s, 8, 1);
+    const QString halved = u"Lote de %1 reintentado en dos mitades (faltan o sobran bloques "
+                           u"(esperados %1, recibidos %2))"_s;
+    QStringList warnings;
+    for (int n : {8, 4, 2, 2, 4, 2, 2})
+        warnings << halved.arg(n).arg(n - 1);
     EXPECT_EQ(result.warnings,
-              (QStringList{halved(8), halved(4), halved(2), halved(2), halved(4), halved(2),
-                           halved(2), u"Lote de 1 sin traducir (El motor no quiso responder.)"_s}));
-    QStringList expected = echoed(numberedTexts(7));
-    expected.append(u"intraducible"_s);
-    EXPECT_EQ(result.translations, expected);
+              warnings << u"Lote de 1 sin traducir (El motor no quiso responder.)"_s);
+    EXPECT_EQ(result.translations, echoed(numberedTexts(7)) << u"intraducible"_s);
     EXPECT_EQ(result.progress, (TranslationProgress{8, 8, 0, 1}));
 }
 
-TEST(Translator, WarnsWhenStyleMarksGetLostButKeepsTheTranslation) {
-    const QStringList texts = {u"⟪0⟫Hola⟪1⟫ vos"_s, u"<i>Chau</i>"_s, u"<b>Sí</b>\n<b>No</b>"_s,
-                               u"Nada"_s};
+TEST_F(TranslatorTest, WarnsWhenStyleMarksGetLostButKeepsTheTranslation) {
     const QStringList answers = {u"Hola⟪1⟫ vos"_s, u"<i>Adiós</i>"_s, u"<b>Sí</b>\nNo"_s,
                                  u"<i>Nada</i>"_s};
-    const auto backend = std::make_shared<ScriptedBackend>(
-        [&](const QStringList&, auto) { return answerWith(answers); });
-    const auto result = translator(backend, 4).translateAll(texts, nullptr, {});
+    answer = [&](auto&&...) { return answers; };
+    const auto result =
+        run({u"⟪0⟫Hola⟪1⟫ vos"_s, u"<i>Chau</i>"_s, u"<b>Sí</b>\n<b>No</b>"_s, u"Nada"_s}, 4, 1);
     EXPECT_EQ(result.translations, answers);
     EXPECT_EQ(result.warnings,
               (QStringList{u"Se perdieron etiquetas de estilo en: ⟪0⟫Hola⟪1⟫ vos"_s,
                            u"Se perdieron etiquetas de estilo en: <b>Sí</b> <b>No</b>"_s}));
 }
 
-TEST(Translator, BatchesOnlyTheTextsMissingFromTheCacheAndReportsProgress) {
-    QTemporaryDir dir;
-    const auto cache =
-        std::make_shared<TranslationCache>(dir.filePath(u"video.json"_s), u"guion|neutro"_s);
+TEST_F(TranslatorTest, BatchesOnlyTheTextsMissingFromTheCacheAndReportsProgress) {
+    const auto shared = cache();
     const QStringList texts = numberedTexts(6);
     for (const QString& text : {texts[1], texts[4]})
-        cache->put(cache->key(text), u"guardado "_s + text);
-    const auto backend = echoBackend();
+        shared->put(shared->key(text), u"guardado "_s + text);
     QList<TranslationProgress> reported;
-    auto result =
-        translator(backend, 2, cache)
-            .translateAll(texts, [&](const TranslationProgress& p) { reported.append(p); }, {});
-    EXPECT_EQ(backend->requests(), (QList<QStringList>{{u"0"_s, u"2"_s}, {u"3"_s, u"5"_s}}));
+    const auto result =
+        run(texts, 2, 1, shared, {}, [&](const TranslationProgress& p) { reported.append(p); });
+    EXPECT_EQ(requests, (QList<QStringList>{{u"0"_s, u"2"_s}, {u"3"_s, u"5"_s}}));
     EXPECT_EQ(result.translations, (QStringList{u"[ES] 0"_s, u"guardado 1"_s, u"[ES] 2"_s,
                                                 u"[ES] 3"_s, u"guardado 4"_s, u"[ES] 5"_s}));
     EXPECT_EQ(reported, (QList<TranslationProgress>{{6, 2, 2, 0}, {6, 4, 2, 0}, {6, 6, 2, 0}}));
-    EXPECT_EQ(result.progress, reported.back());
-    EXPECT_EQ(result.progress.fraction(), 1.0);
+    // Everything is cached now: the engine is not asked again.
+    EXPECT_EQ(run(texts, 2, 1, shared).progress, (TranslationProgress{6, 6, 6, 0}));
+    EXPECT_EQ(requests.size(), 2);
+}
 
-    result = translator(backend, 2, cache).translateAll(texts, nullptr, {});
-    EXPECT_EQ(backend->requests().size(), 2);
-    EXPECT_EQ(result.progress, (TranslationProgress{6, 6, 6, 0}));
-    EXPECT_TRUE(translator(backend, 2).translateAll({}, nullptr, {}).translations.isEmpty());
-    EXPECT_EQ(backend->requests().size(), 2);
-    EXPECT_EQ(TranslationProgress{}.fraction(), 0.0);
+TEST_F(TranslatorTest, AFatalErrorOnTheThirdBatchStopsItsSiblingAndNothingMoreStarts) {
+    answer = [&](const QStringList& texts, std::stop_token stop) {
+        if (texts.first() == u"2")
+            holdUntilStopped(stop);
+        if (texts.first() == u"4" && awaitHeld(1))
+            throw TranslationError(u"El modelo no existe."_s, true);
+        return echoed(texts);
+    };
+    EXPECT_EQ(test::fatalMessageOf([&] { run(numberedTexts(12), 2, 2, cache()); }),
+              u"El modelo no existe."_s);
+    EXPECT_EQ(requests.size(), 3);
+    EXPECT_EQ(cache()->count(), 2);
+}
+
+TEST_F(TranslatorTest, CancelStopsRequestsInFlightAndARerunAsksOnlyForWhatWasMissing) {
+    // "0-1" is translated. "2-3" gets a bad answer once "4-5" hangs, so after the last flush of
+    // the other worker; of its halves "2" is translated and "3" hangs.
+    answer = [&](const QStringList& texts, std::stop_token stop) {
+        if (texts.size() == 2 && texts[0] == u"2" && awaitHeld(1))
+            return QStringList();
+        if (texts[0] != u"0" && texts[0] != u"2")
+            holdUntilStopped(stop);
+        return echoed(texts);
+    };
+    const QStringList texts = numberedTexts(10);
+    std::stop_source cancel;
+    auto running =
+        std::async(std::launch::async, [&] { run(texts, 2, 2, cache(), cancel.get_token()); });
+    EXPECT_TRUE(awaitHeld(2));
+    cancel.request_stop();
+    EXPECT_THROW(running.get(), Cancelled);
+    EXPECT_EQ(requests.size(), 5);
+
+    answer = echoed;
+    requests.clear();
+    const auto result = run(texts, 8, 1, cache());
+    EXPECT_EQ(result.translations, echoed(texts));
+    EXPECT_EQ(result.progress.cached, 3);
+    EXPECT_EQ(requests, QList<QStringList>{texts.sliced(3)});
 }
