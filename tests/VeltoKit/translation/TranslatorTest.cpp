@@ -10,6 +10,7 @@
 
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/engines/TranslationBackend.h"
+#include "VeltoKit/engines/TranslationError.h"
 #include "VeltoKit/translation/BlockProtocol.h"
 #include "VeltoKit/translation/TranslationCache.h"
 #include "support/EngineTesting.h"
