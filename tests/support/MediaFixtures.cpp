@@ -2,274 +2,196 @@
 
 #include <stdexcept>
 
-#include <QDir>
 #include <QFile>
-#include <QJsonArray>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QTemporaryDir>
-#include <QtEndian>
+#include <QTime>
 
 #include "VeltoKit/media/Shell.h"
 
 namespace velto::MediaFixtures {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-constexpr int cueStartMs = 500;
-constexpr int cueStepMs = 1000;
 constexpr int cueLengthMs = 900;
 
 [[noreturn]] void fail(const QString& message) {
     throw std::runtime_error(message.toStdString());
 }
 
-QString clock(int ms, QChar fractionSeparator, int fractionDigits) {
-    const int fraction = fractionDigits == 3 ? ms % 1000 : (ms % 1000) / 10;
-    return QStringLiteral("%1:%2:%3%4%5")
-        .arg(ms / 3600000, fractionDigits == 3 ? 2 : 1, 10, QLatin1Char('0'))
-        .arg(ms / 60000 % 60, 2, 10, QLatin1Char('0'))
-        .arg(ms / 1000 % 60, 2, 10, QLatin1Char('0'))
-        .arg(fractionSeparator)
-        .arg(fraction, fractionDigits, 10, QLatin1Char('0'));
+int cueStartMs(qsizetype i) {
+    return 500 + static_cast<int>(i) * 1000;
 }
 
-int cueStart(qsizetype i) {
-    return cueStartMs + static_cast<int>(i) * cueStepMs;
+QStringList words(const QString& text) {
+    return text.split(u' ');
 }
 
-// PGS: one segment is "PG", PTS and DTS (90 kHz), type, payload length, payload.
-void appendSegment(QByteArray& out, quint32 pts, quint8 type, const QByteArray& payload) {
-    out += "PG";
-    char header[11];
-    qToBigEndian<quint32>(pts, header);
-    qToBigEndian<quint32>(0, header + 4);
-    header[8] = static_cast<char>(type);
-    qToBigEndian<quint16>(static_cast<quint16>(payload.size()), header + 9);
-    out.append(header, sizeof header);
-    out += payload;
+QByteArray bigEndian(quint32 value, int bytes) {
+    QByteArray out;
+    for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
+        out += static_cast<char>((value >> shift) & 0xff);
+    return out;
 }
 
-QByteArray bigEndian16(std::initializer_list<quint16> values) {
-    QByteArray bytes;
-    for (const quint16 value : values) {
-        bytes += static_cast<char>(value >> 8);
-        bytes += static_cast<char>(value & 0xff);
-    }
-    return bytes;
+// One PGS segment: "PG", PTS (90 kHz), DTS, type, payload length, payload.
+QByteArray segment(int ms, char type, const QByteArray& payload) {
+    return "PG" + bigEndian(ms * 90, 4) + bigEndian(0, 4) + type +
+           bigEndian(static_cast<quint32>(payload.size()), 2) + payload;
 }
 
-// A display set that shows a width x height box of palette colour 1, or clears the screen.
-void appendDisplaySet(QByteArray& out, quint32 pts, quint16 composition, bool show) {
-    constexpr quint16 width = 64, height = 16, x = 100, y = 300;
-    QByteArray pcs = bigEndian16({720, 480}) + '\x10' + bigEndian16({composition});
-    pcs += show ? '\x80' : '\x00';                               // epoch start / normal
-    pcs += QByteArray("\x00\x00", 2) + (show ? '\x01' : '\x00'); // palette, object count
-    if (show)
-        pcs += bigEndian16({0}) + QByteArray("\x00\x00", 2) + bigEndian16({x, y});
-    appendSegment(out, pts, 0x16, pcs);
-    appendSegment(out, pts, 0x17,
-                  QByteArray(1, '\x01') + '\x00' + bigEndian16({x, y, width, height}));
+// Shows a 64x16 box of palette colour 1 at (100, 300) on a 720x480 screen, or clears it.
+QByteArray displaySet(int ms, qsizetype number, bool show) {
+    const QByteArray place = bigEndian(100, 2) + bigEndian(300, 2);
+    // Screen, frame rate, number, epoch start or normal, no palette update, palette 0, objects.
+    QByteArray composition = bigEndian(720, 2) + bigEndian(480, 2) + '\x10' +
+                             bigEndian(static_cast<quint32>(number), 2) +
+                             bigEndian(show ? 0x80000001 : 0, 4);
+    if (show) // object 0 in window 0, uncropped
+        composition += bigEndian(0, 4) + place;
+    QByteArray set = segment(ms, 0x16, composition) +
+                     segment(ms, 0x17, bigEndian(0x0100, 2) + place + bigEndian(0x00400010, 4));
     if (show) {
-        appendSegment(out, pts, 0x14,
-                      QByteArray("\x00\x00"
-                                 "\x00\x10\x80\x80\x00"
-                                 "\x01\xeb\x80\x80\xff",
-                                 12));
-        QByteArray rle;
-        for (int line = 0; line < height; ++line) // a run of colour 1, then end of line
-            rle += QByteArray("\x00", 1) + char(0xc0 | (width >> 8)) + char(width & 0xff) +
-                   QByteArray("\x01\x00\x00", 3);
-        const QByteArray data = bigEndian16({width, height}) + rle;
-        QByteArray ods = bigEndian16({0}) + QByteArray("\x00\xc0", 2);
-        ods += char(data.size() >> 16) + bigEndian16({static_cast<quint16>(data.size() & 0xffff)});
-        appendSegment(out, pts, 0x15, ods + data);
+        // Palette 0: colour 0 transparent, colour 1 opaque white (Y, Cr, Cb, alpha).
+        set += segment(ms, 0x14, QByteArray::fromHex("0000 00 10 80 80 00 01 eb 80 80 ff"));
+        // Each line: a run of 64 pixels of colour 1, then end of line.
+        const QByteArray data =
+            bigEndian(0x00400010, 4) + QByteArray::fromHex("00c040010000").repeated(16);
+        set += segment(ms, 0x15,
+                       bigEndian(0x0000'00c0, 4) + bigEndian(static_cast<quint32>(data.size()), 3) +
+                           data);
     }
-    appendSegment(out, pts, 0x80, {});
+    return set + segment(ms, char(0x80), {});
 }
 
-struct Sidecar {
-    QString fileName;
-    QByteArray bytes;
-    QString codec; // the -c:s value
-};
-
-Sidecar sidecarFor(const SubtitleRecipe& subtitle, bool mp4Family) {
-    switch (subtitle.format) {
-    case SubtitleFormat::srt:
-        return {QStringLiteral("srt"), srtText(subtitle.lines),
-                mp4Family ? QStringLiteral("mov_text") : QStringLiteral("copy")};
-    case SubtitleFormat::ass:
-        return {QStringLiteral("ass"), assText(subtitle.lines), QStringLiteral("copy")};
-    case SubtitleFormat::webvtt:
-        return {QStringLiteral("vtt"), webvttText(subtitle.lines), QStringLiteral("copy")};
-    case SubtitleFormat::movText:
-        return {QStringLiteral("srt"), srtText(subtitle.lines), QStringLiteral("mov_text")};
-    case SubtitleFormat::pgs:
-        return {QStringLiteral("sup"), pgsStream(static_cast<int>(subtitle.lines.size())),
-                QStringLiteral("copy")};
-    case SubtitleFormat::dvdSubtitle:
-        return {QStringLiteral("sup"), pgsStream(static_cast<int>(subtitle.lines.size())),
-                QStringLiteral("dvdsub")};
-    }
-    return {};
+QByteArray pgsStream(qsizetype count) {
+    QByteArray out;
+    for (qsizetype i = 0; i < count; ++i)
+        out += displaySet(cueStartMs(i), 2 * i, true) +
+               displaySet(cueStartMs(i) + cueLengthMs, 2 * i + 1, false);
+    return out;
 }
 
-QString dispositionOf(const SubtitleRecipe& subtitle) {
+QString disposition(const SubtitleRecipe& subtitle) {
     QStringList flags;
-    if (subtitle.isDefault)
-        flags << QStringLiteral("default");
-    if (subtitle.forced)
-        flags << QStringLiteral("forced");
-    if (subtitle.hearingImpaired)
-        flags << QStringLiteral("hearing_impaired");
-    return flags.isEmpty() ? QStringLiteral("0") : flags.join(u'+');
+    for (const auto& [on, flag] :
+         {std::pair(subtitle.isDefault, "default"), std::pair(subtitle.forced, "forced"),
+          std::pair(subtitle.hearingImpaired, "hearing_impaired")})
+        if (on)
+            flags << QString::fromLatin1(flag);
+    return flags.isEmpty() ? u"0"_s : flags.join(u'+');
 }
 
 ProcessResult runChecked(const QString& executable, const QStringList& arguments) {
     ProcessResult result = Shell::run(executable, arguments);
     if (result.status != 0)
-        fail(QFileInfo(executable).fileName() + QStringLiteral(" failed: ") + result.standardError);
+        fail(QFileInfo(executable).fileName() + u" failed: "_s + result.standardError);
     return result;
 }
 
 } // namespace
 
 QByteArray srtText(const QStringList& lines) {
+    const auto clock = [](int ms) {
+        return QTime::fromMSecsSinceStartOfDay(ms).toString(u"hh:mm:ss,zzz"_s);
+    };
     QString text;
     for (qsizetype i = 0; i < lines.size(); ++i)
-        text += QString::number(i + 1) + u'\n' + clock(cueStart(i), u',', 3) +
-                QStringLiteral(" --> ") + clock(cueStart(i) + cueLengthMs, u',', 3) + u'\n' +
-                lines[i] + QStringLiteral("\n\n");
+        text += u"%1\n%2 --> %3\n%4\n\n"_s.arg(i + 1).arg(
+            clock(cueStartMs(i)), clock(cueStartMs(i) + cueLengthMs), lines[i]);
     return text.toUtf8();
-}
-
-QByteArray assText(const QStringList& lines) {
-    QString text = QStringLiteral(
-        "[Script Info]\nScriptType: v4.00+\nPlayResX: 384\nPlayResY: 288\n\n"
-        "[V4+ Styles]\nFormat: Name, Fontname, Fontsize, PrimaryColour, SecondaryColour, "
-        "OutlineColour, BackColour, Bold, Italic, Underline, StrikeOut, ScaleX, ScaleY, "
-        "Spacing, Angle, BorderStyle, Outline, Shadow, Alignment, MarginL, MarginR, MarginV, "
-        "Encoding\nStyle: Default,Velto Sans,20,&H00FFFFFF,&H000000FF,&H00000000,&H00000000,"
-        "0,0,0,0,100,100,0,0,1,2,0,2,10,10,10,1\n\n"
-        "[Events]\nFormat: Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, "
-        "Text\n");
-    for (qsizetype i = 0; i < lines.size(); ++i)
-        text += QStringLiteral("Dialogue: 0,") + clock(cueStart(i), u'.', 2) + u',' +
-                clock(cueStart(i) + cueLengthMs, u'.', 2) + QStringLiteral(",Default,,0,0,0,,") +
-                lines[i] + u'\n';
-    return text.toUtf8();
-}
-
-QByteArray webvttText(const QStringList& lines) {
-    QString text = QStringLiteral("WEBVTT\n\n");
-    for (qsizetype i = 0; i < lines.size(); ++i)
-        text += clock(cueStart(i), u'.', 3) + QStringLiteral(" --> ") +
-                clock(cueStart(i) + cueLengthMs, u'.', 3) + u'\n' + lines[i] +
-                QStringLiteral("\n\n");
-    return text.toUtf8();
-}
-
-QByteArray pgsStream(int count) {
-    QByteArray out;
-    for (int i = 0; i < count; ++i) {
-        const auto ticks = [](int ms) { return static_cast<quint32>(ms) * 90; };
-        appendDisplaySet(out, ticks(cueStart(i)), static_cast<quint16>(2 * i), true);
-        appendDisplaySet(out, ticks(cueStart(i) + cueLengthMs), static_cast<quint16>(2 * i + 1),
-                         false);
-    }
-    return out;
 }
 
 void writeFile(const QString& path, const QByteArray& bytes) {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        fail(QStringLiteral("cannot write ") + path);
+        fail(u"cannot write "_s + path);
+}
+
+QByteArray readFile(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 void writeVideo(const QString& path, const VideoRecipe& recipe) {
     QTemporaryDir scratch;
-    const QString seconds = QString::number(recipe.seconds);
     const QString suffix = QFileInfo(path).suffix().toLower();
-    const bool mp4Family = suffix == u"mp4" || suffix == u"mov" || suffix == u"m4v";
-    QStringList inputs = {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
-                          QStringLiteral("testsrc=size=64x48:rate=10:duration=") + seconds};
-    QStringList outputs = {QStringLiteral("-map"), QStringLiteral("0"), QStringLiteral("-c:v"),
-                           QStringLiteral("mpeg4")};
-    int inputCount = 1;
-    if (recipe.audio) {
-        // AAC's priming delay would make ffmpeg shift every Matroska timestamp; PCM has none.
-        inputs << QStringLiteral("-f") << QStringLiteral("lavfi") << QStringLiteral("-i")
-               << QStringLiteral("sine=frequency=440:sample_rate=8000:duration=") + seconds;
-        outputs << QStringLiteral("-map") << QString::number(inputCount++) << QStringLiteral("-c:a")
-                << (mp4Family ? QStringLiteral("aac") : QStringLiteral("pcm_s16le"));
-    }
+    const bool mp4 = suffix == u"mp4" || suffix == u"mov" || suffix == u"m4v";
+    QStringList inputs = words(u"-y -v error -f lavfi -i testsrc=size=64x48:rate=10:duration=3 "
+                               "-f lavfi -i sine=sample_rate=8000:duration=3"_s);
+    // AAC's priming delay would make ffmpeg shift every Matroska timestamp; PCM has none.
+    QStringList outputs = words(u"-map 0 -map 1 -c:v mpeg4 -c:a"_s)
+                          << (mp4 ? u"aac"_s : u"pcm_s16le"_s);
+    static const QStringList codecs = {u"copy"_s,     u"ass"_s,  u"webvtt"_s,
+                                       u"mov_text"_s, u"copy"_s, u"dvdsub"_s}; // by format
     for (qsizetype i = 0; i < recipe.subtitles.size(); ++i) {
         const SubtitleRecipe& subtitle = recipe.subtitles[i];
-        Sidecar sidecar = sidecarFor(subtitle, mp4Family);
-        if (!subtitle.contents.isEmpty())
-            sidecar.bytes = subtitle.contents;
-        const QString file =
-            scratch.filePath(QStringLiteral("track%1.%2").arg(i).arg(sidecar.fileName));
-        writeFile(file, sidecar.bytes);
-        const QString s = QString::number(i);
+        const bool image = subtitle.format == SubtitleFormat::pgs ||
+                           subtitle.format == SubtitleFormat::dvdSubtitle;
+        const QString file = scratch.filePath(QString::number(i) + (image ? u".sup" : u".srt"));
+        writeFile(file, !subtitle.contents.isEmpty() ? subtitle.contents
+                        : image                      ? pgsStream(subtitle.lines.size())
+                                                     : srtText(subtitle.lines));
         // PGS gives no end times; without this the DVD track would last 2^32 ms.
         if (subtitle.format == SubtitleFormat::dvdSubtitle)
-            inputs << QStringLiteral("-fix_sub_duration");
-        inputs << QStringLiteral("-i") << file;
-        outputs << QStringLiteral("-map") << QString::number(inputCount++)
-                << QStringLiteral("-c:s:") + s << sidecar.codec
-                << QStringLiteral("-disposition:s:") + s << dispositionOf(subtitle);
-        if (!subtitle.language.isEmpty())
-            outputs << QStringLiteral("-metadata:s:s:") + s
-                    << QStringLiteral("language=") + subtitle.language;
-        if (!subtitle.title.isEmpty())
-            outputs << QStringLiteral("-metadata:s:s:") + s
-                    << QStringLiteral("title=") + subtitle.title;
+            inputs << u"-fix_sub_duration"_s;
+        inputs << u"-i"_s << file;
+        const QString s = QString::number(i);
+        const QString codec = mp4 && subtitle.format == SubtitleFormat::srt
+                                  ? u"mov_text"_s
+                                  : codecs[static_cast<int>(subtitle.format)];
+        outputs << u"-map"_s << QString::number(i + 2) << u"-c:s:"_s + s << codec
+                << u"-disposition:s:"_s + s << disposition(subtitle) << u"-metadata:s:s:"_s + s
+                << u"language="_s + subtitle.language << u"-metadata:s:s:"_s + s
+                << u"title="_s + subtitle.title;
     }
     if (recipe.chapters) {
-        const QString file = scratch.filePath(QStringLiteral("chapters.txt"));
+        const QString file = scratch.filePath(u"chapters.txt"_s);
         writeFile(file, ";FFMETADATA1\n[CHAPTER]\nTIMEBASE=1/1000\nSTART=0\nEND=1000\ntitle=Uno\n"
                         "[CHAPTER]\nTIMEBASE=1/1000\nSTART=1000\nEND=2000\ntitle=Dos\n");
-        inputs << QStringLiteral("-i") << file;
-        outputs << QStringLiteral("-map_chapters") << QString::number(inputCount++);
+        inputs << u"-i"_s << file;
+        outputs << u"-map_chapters"_s << QString::number(recipe.subtitles.size() + 2);
     }
     if (recipe.fontAttachment) {
-        const QString file = scratch.filePath(QStringLiteral("VeltoSans.ttf"));
+        const QString file = scratch.filePath(u"VeltoSans.ttf"_s);
         writeFile(file, QByteArray(4096, '\x5a'));
-        outputs << QStringLiteral("-attach") << file << QStringLiteral("-metadata:s:t")
-                << QStringLiteral("mimetype=application/x-truetype-font");
+        outputs << u"-attach"_s << file << u"-metadata:s:t"_s
+                << u"mimetype=application/x-truetype-font"_s;
     }
-    runChecked(tools().ffmpeg,
-               QStringList{QStringLiteral("-y"), QStringLiteral("-v"), QStringLiteral("error")} +
-                   inputs + outputs + QStringList{path});
+    runChecked(tools().ffmpeg, inputs + outputs + QStringList{path});
 }
 
 FFmpeg tools() {
     static const std::optional<FFmpeg> located = FFmpeg::locate();
     if (!located)
-        fail(QStringLiteral("ffmpeg and ffprobe are needed by the media tests"));
+        fail(u"ffmpeg and ffprobe are needed by the media tests"_s);
     return *located;
 }
 
 QJsonArray probeStreams(const QString& path) {
     const ProcessResult result =
-        runChecked(tools().ffprobe,
-                   {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-print_format"),
-                    QStringLiteral("json"), QStringLiteral("-show_streams"), path});
-    return QJsonDocument::fromJson(result.standardOutput.toUtf8())
-        .object()
-        .value(u"streams")
-        .toArray();
+        runChecked(tools().ffprobe, words(u"-v error -print_format json -show_streams"_s) << path);
+    return QJsonDocument::fromJson(result.standardOutput.toUtf8())[u"streams"].toArray();
+}
+
+QStringList describeTracks(const MediaInfo& info) {
+    QStringList lines;
+    for (const SubtitleTrack& track : info.tracks)
+        lines << track.codec + u": "_s + track.summary();
+    return lines;
 }
 
 QJsonObject mkvmergeIdentify(const QString& path) {
-    static const std::optional<QString> mkvmerge = Shell::which(QStringLiteral("mkvmerge"));
+    static const std::optional<QString> mkvmerge = Shell::which(u"mkvmerge"_s);
     if (!mkvmerge)
-        fail(QStringLiteral("mkvmerge (MKVToolNix) is needed by the media tests"));
-    const ProcessResult result = Shell::run(*mkvmerge, {QStringLiteral("-J"), path});
+        fail(u"mkvmerge (MKVToolNix) is needed by the media tests"_s);
+    const ProcessResult result = Shell::run(*mkvmerge, {u"-J"_s, path});
     // mkvmerge exits 1 for warnings; 2 is an error.
     if (result.status > 1)
-        fail(QStringLiteral("mkvmerge failed: ") + result.standardOutput);
+        fail(u"mkvmerge failed: "_s + result.standardOutput);
     return QJsonDocument::fromJson(result.standardOutput.toUtf8()).object();
 }
 

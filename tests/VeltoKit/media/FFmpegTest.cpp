@@ -1,549 +1,224 @@
 #include "VeltoKit/media/FFmpeg.h"
 
-#include <condition_variable>
-#include <fcntl.h>
-#include <mutex>
-#include <poll.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <thread>
-#include <unistd.h>
 
-#include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QJsonArray>
+#include <QProcess>
 #include <QTemporaryDir>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "VeltoKit/core/VeltoError.h"
-#include "VeltoKit/media/Shell.h"
-#include "VeltoKit/media/ShellError.h"
 #include "support/Eventually.h"
+#include "support/FailureText.h"
 #include "support/MediaFixtures.h"
-#include "support/QStringPrinter.h"
 #include "support/ShellScripts.h"
 
 using namespace velto;
-using MediaFixtures::SubtitleFormat;
-using MediaFixtures::SubtitleRecipe;
+using namespace velto::MediaFixtures;
+using namespace Qt::StringLiterals;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
 
 namespace {
 
-SubtitleRecipe subtitle(SubtitleFormat format, const char* language, const char* title = "") {
-    SubtitleRecipe recipe;
-    recipe.format = format;
-    recipe.language = QString::fromLatin1(language);
-    recipe.title = QString::fromUtf8(title);
-    return recipe;
-}
-
-// SRT "eng" default+SDH, ASS "ger" forced, WebVTT "fre", PGS "spa", DVD untagged; a font and
-// two chapters. Streams: 0 video, 1 audio, 2..6 subtitles, 7 the font.
-MediaFixtures::VideoRecipe richMkv() {
-    MediaFixtures::VideoRecipe recipe;
-    recipe.fontAttachment = true;
-    recipe.chapters = true;
-    SubtitleRecipe srt = subtitle(SubtitleFormat::srt, "eng", "English SDH");
-    srt.isDefault = true;
-    srt.hearingImpaired = true;
-    SubtitleRecipe ass = subtitle(SubtitleFormat::ass, "ger", "Signs");
-    ass.forced = true;
-    recipe.subtitles = {srt, ass, subtitle(SubtitleFormat::webvtt, "fre", "Français"),
-                        subtitle(SubtitleFormat::pgs, "spa"),
-                        subtitle(SubtitleFormat::dvdSubtitle, "")};
-    return recipe;
-}
-
-QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+const QString corpusSrt =
+    u"" VELTO_CORPUS_DIR "/dualsub/Game of Thrones 1x01 - Winter Is Coming (English).srt"_s;
 
 QStringList entries(const QString& directory) {
     return QDir(directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
 }
 
-// An ffmpeg stand-in that records its arguments (one per line) and writes a byte into the
-// file named by its last argument.
-FFmpeg recordingTools(const QTemporaryDir& dir) {
-    const QString script = writeShellScript(
-        dir.filePath(QStringLiteral("ffmpeg")),
-        QStringLiteral(
-            "for a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$(dirname \"$0\")/args\"\n"
-            "for a in \"$@\"; do last=$a; done; printf x > \"$last\""));
-    return FFmpeg{script, script};
-}
-
-QStringList recordedArguments(const QTemporaryDir& dir) {
-    return QString::fromUtf8(readAll(dir.filePath(QStringLiteral("args"))))
-        .split(u'\n', Qt::SkipEmptyParts);
-}
-
-QJsonArray mkvTracks(const QString& path) {
-    return MediaFixtures::mkvmergeIdentify(path).value(u"tracks").toArray();
-}
-
-// Feeds a file into a FIFO and keeps it open without an end, so the reader waits for more
-// data until the feeder is destroyed. Holding a read end too means no SIGPIPE, ever.
-class EndlessFifo {
-public:
-    EndlessFifo(const QString& path, QByteArray bytes)
-        : m_path(path) {
-        if (::mkfifo(QFile::encodeName(path).constData(), 0600) != 0)
-            throw std::runtime_error("mkfifo failed");
-        m_feeder = std::jthread([this, bytes = std::move(bytes)](std::stop_token stop) {
-            const int fd = ::open(QFile::encodeName(m_path).constData(), O_RDWR | O_NONBLOCK);
-            qsizetype written = 0;
-            while (fd >= 0 && written < bytes.size() && !stop.stop_requested()) {
-                const ssize_t n = ::write(fd, bytes.constData() + written, bytes.size() - written);
-                if (n > 0) {
-                    written += n;
-                } else {
-                    pollfd ready{fd, POLLOUT, 0};
-                    ::poll(&ready, 1, 20);
-                }
-            }
-            std::unique_lock lock(m_mutex);
-            m_release.wait(lock, stop, [] { return false; });
-            if (fd >= 0)
-                ::close(fd);
-        });
+// What mkvmerge reads in a file: every track (codec, language, name, the flags that are set),
+// every attachment, the chapters.
+QStringList mkvmergeReport(const QString& file) {
+    const QJsonObject identified = mkvmergeIdentify(file);
+    QStringList lines;
+    for (const QJsonValue track : identified[u"tracks"].toArray()) {
+        const QJsonValue properties = track[u"properties"];
+        lines << u"%1 %2 «%3»"_s.arg(track[u"codec"].toString(), properties[u"language"].toString(),
+                                     properties[u"track_name"].toString());
+        for (const QString& flag :
+             {u"default_track"_s, u"forced_track"_s, u"flag_hearing_impaired"_s})
+            if (properties[flag].toBool())
+                lines.last() += u' ' + flag;
     }
+    for (const QJsonValue attachment : identified[u"attachments"].toArray())
+        lines << attachment[u"file_name"].toString() + u' ' +
+                     QString::number(attachment[u"size"].toInteger());
+    for (const QJsonValue chapters : identified[u"chapters"].toArray())
+        lines << u"%1 chapters"_s.arg(chapters[u"num_entries"].toInt());
+    return lines;
+}
 
-private:
-    QString m_path;
-    std::mutex m_mutex;
-    std::condition_variable_any m_release;
-    std::jthread m_feeder;
-};
+// SRT "eng" default+SDH (a real-world file), ASS "ger" forced, WebVTT "fre", PGS "spa", DVD
+// untagged; a font and two chapters. Streams: 0 video, 1 audio, 2..6 subtitles, 7 the font.
+// Written once and shared: no test may change it.
+const QString& richMkv() {
+    static QTemporaryDir dir;
+    static const QString path = [] {
+        const QString file = dir.filePath(u"rich.mkv"_s);
+        using enum SubtitleFormat;
+        VideoRecipe recipe{.fontAttachment = true, .chapters = true};
+        recipe.subtitles = {
+            {.language = u"eng"_s, .title = u"SDH"_s, .isDefault = true, .hearingImpaired = true},
+            {.format = ass, .language = u"ger"_s, .title = u"Signs"_s, .forced = true},
+            {.format = webvtt, .language = u"fre"_s, .title = u"Français"_s},
+            {.format = pgs, .language = u"spa"_s},
+            {.format = dvdSubtitle}};
+        recipe.subtitles[0].contents = readFile(corpusSrt);
+        writeVideo(file, recipe);
+        return file;
+    }();
+    return path;
+}
 
-struct MuxOutcome {
-    bool cancelled = false;
-    std::optional<int> failedStatus;
+class FFmpegTest : public testing::Test {
+protected:
+    FFmpegTest() { QDir(m_dir.path()).mkdir(u"out"_s); }
+    QString path(const QString& name) const { return m_dir.filePath(name); }
+
+    QTemporaryDir m_dir;
 };
 
 } // namespace
 
-TEST(FFmpeg, LocatePrefersAFolderThatHoldsBothTools) {
-    QTemporaryDir dir;
-    const QString ffmpeg = writeShellScript(dir.filePath(QStringLiteral("ffmpeg")), {});
-    EXPECT_NE(FFmpeg::locate(dir.path())->ffmpeg, ffmpeg); // no ffprobe there: the lookup wins
-    const QString ffprobe = writeShellScript(dir.filePath(QStringLiteral("ffprobe")), {});
-    const auto located = FFmpeg::locate(dir.path());
-    ASSERT_TRUE(located);
-    EXPECT_EQ(located->ffmpeg, ffmpeg);
-    EXPECT_EQ(located->ffprobe, ffprobe);
-    EXPECT_EQ(FFmpeg::locate()->ffmpeg, Shell::which(QStringLiteral("ffmpeg")));
+TEST_F(FFmpegTest, LocatesBothToolsAndReportsWhatWentWrong) {
+    const QString ffmpeg = writeShellScript(path(u"ffmpeg"_s), {});
+    EXPECT_EQ(FFmpeg::locate(m_dir.path()).value().ffmpeg, tools().ffmpeg); // no ffprobe here
+    const QString ffprobe = writeShellScript(path(u"ffprobe"_s), {});
+    const FFmpeg located = FFmpeg::locate(m_dir.path()).value();
+    EXPECT_EQ(located.ffmpeg, ffmpeg);
+    EXPECT_EQ(located.ffprobe, ffprobe);
+    EXPECT_EQ(located.version(), u"desconocida"_s); // it prints nothing
+    EXPECT_TRUE(tools().version().startsWith(u"ffmpeg version "_s));
+    EXPECT_THAT(failureText([] { FFmpeg().inspect(u"x.mkv"_s); }),
+                StartsWith("No encuentro «ffprobe»."));
+    EXPECT_THAT(failureText([&] { tools().inspect(path(u"missing.mkv"_s)); }),
+                AllOf(StartsWith("ffprobe falló (código 1):\n"), HasSubstr("missing.mkv")));
 }
 
-TEST(FFmpeg, VersionIsTheFirstLineOrDesconocida) {
-    EXPECT_TRUE(MediaFixtures::tools().version().startsWith(QStringLiteral("ffmpeg version ")));
-    QTemporaryDir dir;
-    const QString silent = writeShellScript(dir.filePath(QStringLiteral("ffmpeg")), {});
-    EXPECT_EQ((FFmpeg{silent, silent}.version()), QStringLiteral("desconocida"));
-    EXPECT_THROW(FFmpeg{}.version(), ShellError);
-}
-
-TEST(FFmpeg, InspectClassifiesEveryKindOfTrack) {
-    QTemporaryDir dir;
-    const QString video = dir.filePath(QStringLiteral("rich.mkv"));
-    MediaFixtures::writeVideo(video, richMkv());
-    const MediaInfo info = MediaFixtures::tools().inspect(video);
-
-    EXPECT_EQ(info.path, video);
-    EXPECT_EQ(info.sizeBytes, QFileInfo(video).size());
-    ASSERT_TRUE(info.duration);
-    EXPECT_NEAR(*info.duration, 3.0, 0.5);
-    QStringList summaries;
-    for (const SubtitleTrack& track : info.tracks)
-        summaries << track.summary();
-    EXPECT_EQ(summaries, (QStringList{
-                             QStringLiteral("#2  inglés  «English SDH»  [predeterminada, SDH]"),
-                             QStringLiteral("#3  alemán  «Signs»  [forzada]"),
-                             QStringLiteral("#4  francés  «Français»"),
-                             QStringLiteral("#5  español  [imagen]"),
-                             QStringLiteral("#6  idioma desconocido  [imagen]"),
-                         }));
-    QStringList codecs;
-    for (const SubtitleTrack& track : info.tracks)
-        codecs << track.codec;
-    EXPECT_EQ(codecs, (QStringList{QStringLiteral("subrip"), QStringLiteral("ass"),
-                                   QStringLiteral("webvtt"), QStringLiteral("hdmv_pgs_subtitle"),
-                                   QStringLiteral("dvd_subtitle")}));
-    EXPECT_EQ(info.tracks[4].relativeIndex, 4);
+TEST_F(FFmpegTest, InspectsEveryKindOfTrackAndExtractsTheTextOnes) {
+    const MediaInfo info = tools().inspect(richMkv());
+    EXPECT_EQ(info.sizeBytes, QFileInfo(richMkv()).size());
+    EXPECT_EQ(
+        describeTracks(info),
+        (QStringList{u"subrip: #2  inglés  «SDH»  [predeterminada, SDH]"_s,
+                     u"ass: #3  alemán  «Signs»  [forzada]"_s, u"webvtt: #4  francés  «Français»"_s,
+                     u"hdmv_pgs_subtitle: #5  español  [imagen]"_s,
+                     u"dvd_subtitle: #6  idioma desconocido  [imagen]"_s}));
     EXPECT_EQ(info.spanishStatus(), SpanishStatus::full);
-    EXPECT_EQ(info.pickSource(QStringLiteral("eng"))->index, 2);
-    EXPECT_EQ(info.pickSource(QStringLiteral("spa")), std::nullopt); // only images
+
+    // A stand-in that writes nothing: the image track is refused before it would run.
+    const FFmpeg silent{writeShellScript(path(u"silent"_s), {}), {}};
+    EXPECT_EQ(failureText([&] { silent.extract(info.tracks[3], richMkv(), m_dir.path()); }),
+              "ffmpeg falló (código 1):\nLa pista #5 es de tipo imagen (hdmv_pgs_subtitle). Haría "
+              "falta OCR para traducirla; VeltoMKV solo maneja subtítulos de texto.");
+    EXPECT_EQ(failureText([&] { silent.extract(info.tracks[0], richMkv(), m_dir.path()); }),
+              "ffmpeg falló (código 1):\nLa extracción de la pista #2 salió vacía.");
+
+    // SRT and ASS come out as they are, WebVTT as SRT.
+    for (const SubtitleTrack& track : info.tracks.mid(0, 3))
+        tools().extract(track, richMkv(), m_dir.path());
+    EXPECT_EQ(readFile(path(u"source_2.srt"_s)), readFile(corpusSrt));
+    EXPECT_TRUE(readFile(path(u"source_3.ass"_s))
+                    .contains("Dialogue: 0,0:00:01.50,0:00:02.40,Default,,0,0,0,,How are you?"));
+    EXPECT_EQ(readFile(path(u"source_4.srt"_s)), srtText(SubtitleRecipe().lines));
 }
 
-TEST(FFmpeg, InspectReportsWhatWentWrong) {
-    QTemporaryDir dir;
-    try {
-        MediaFixtures::tools().inspect(dir.filePath(QStringLiteral("missing.mkv")));
-        FAIL() << "expected a failure";
-    } catch (const ShellError& error) {
-        EXPECT_EQ(error.tool(), QStringLiteral("ffprobe"));
-        EXPECT_TRUE(error.description().startsWith(QStringLiteral("ffprobe falló (código 1):\n")));
-        EXPECT_TRUE(error.description().contains(QStringLiteral("missing.mkv")));
-    }
-    const QString garbage =
-        writeShellScript(dir.filePath(QStringLiteral("ffprobe")), QStringLiteral("echo hola"));
-    try {
-        FFmpeg{garbage, garbage}.inspect(dir.path());
-        FAIL() << "expected a failure";
-    } catch (const ShellError& error) {
-        EXPECT_EQ(error.description(),
-                  QStringLiteral("ffprobe falló (código 1):\nNo pude leer la salida de ffprobe."));
-    }
-    try {
-        FFmpeg{}.inspect(dir.path());
-        FAIL() << "expected notFound";
-    } catch (const ShellError& error) {
-        EXPECT_EQ(error.kind(), ShellError::Kind::notFound);
-        EXPECT_TRUE(error.description().startsWith(QStringLiteral("No encuentro «ffprobe».")));
-    }
-}
-
-TEST(FFmpeg, ExtractCopiesSrtAndAssAndConvertsTheOtherTextFormats) {
-    QTemporaryDir dir;
-    const QString video = dir.filePath(QStringLiteral("rich.mkv"));
-    MediaFixtures::writeVideo(video, richMkv());
-    const FFmpeg tools = MediaFixtures::tools();
-    const MediaInfo info = tools.inspect(video);
-
-    const QString srt = tools.extract(info.tracks[0], video, dir.path());
-    EXPECT_EQ(srt, dir.filePath(QStringLiteral("source_2.srt")));
-    EXPECT_EQ(readAll(srt), MediaFixtures::srtText(SubtitleRecipe().lines));
-
-    const QString ass = tools.extract(info.tracks[1], video, dir.path());
-    EXPECT_EQ(ass, dir.filePath(QStringLiteral("source_3.ass")));
-    EXPECT_TRUE(readAll(ass).contains("Dialogue: 0,0:00:01.50,0:00:02.40,Default,,0,0,0,,How are "
-                                      "you?\r\n"));
-
-    const QString vtt = tools.extract(info.tracks[2], video, dir.path());
-    EXPECT_EQ(vtt, dir.filePath(QStringLiteral("source_4.srt")));
-    EXPECT_TRUE(readAll(vtt).contains("00:00:02,500 --> 00:00:03,400\nFine, thanks."));
-
-    const QString mp4 = dir.filePath(QStringLiteral("clip.mp4"));
-    MediaFixtures::VideoRecipe mp4Spec;
-    mp4Spec.subtitles = {subtitle(SubtitleFormat::movText, "eng")};
-    MediaFixtures::writeVideo(mp4, mp4Spec);
-    const SubtitleTrack movText = tools.inspect(mp4).tracks.value(0);
-    EXPECT_EQ(movText.codec, QStringLiteral("mov_text"));
-    EXPECT_TRUE(readAll(tools.extract(movText, mp4, dir.path())).contains("How are you?"));
-}
-
-TEST(FFmpeg, ExtractKeepsEveryCueOfARealWorldFile) {
-    const QString corpus = QStringLiteral(VELTO_CORPUS_DIR "/dualsub/Game of Thrones 1x01 - "
-                                                           "Winter Is Coming (English).srt");
-    const QByteArray original = readAll(corpus);
-    if (original.isEmpty())
-        GTEST_SKIP() << "the subtitle corpus is not here";
-    QTemporaryDir dir;
-    const QString video = dir.filePath(QStringLiteral("got.mkv"));
-    MediaFixtures::VideoRecipe recipe;
-    recipe.audio = false;
-    SubtitleRecipe english = subtitle(SubtitleFormat::srt, "", "English");
-    english.contents = original;
-    recipe.subtitles = {english};
-    MediaFixtures::writeVideo(video, recipe);
-
-    const FFmpeg tools = MediaFixtures::tools();
-    const auto track = tools.inspect(video).pickSource(QStringLiteral("eng"));
-    ASSERT_TRUE(track); // untagged, named by its title
-    const QByteArray extracted = readAll(tools.extract(*track, video, dir.path()));
-    EXPECT_GT(original.count("-->"), 500);
-    EXPECT_EQ(extracted.count("-->"), original.count("-->"));
-}
-
-TEST(FFmpeg, ExtractRefusesImageTracksBeforeRunningAnything) {
-    QTemporaryDir dir;
-    const FFmpeg recording = recordingTools(dir);
-    SubtitleTrack pgs;
-    pgs.index = 5;
-    pgs.codec = QStringLiteral("hdmv_pgs_subtitle");
-    try {
-        recording.extract(pgs, QStringLiteral("/videos/x.mkv"), dir.path());
-        FAIL() << "expected a refusal";
-    } catch (const ShellError& error) {
-        EXPECT_EQ(error.description(),
-                  QStringLiteral("ffmpeg falló (código 1):\nLa pista #5 es de tipo imagen "
-                                 "(hdmv_pgs_subtitle). Haría falta OCR para traducirla; VeltoMKV "
-                                 "solo maneja subtítulos de texto."));
-    }
-    EXPECT_FALSE(QFile::exists(dir.filePath(QStringLiteral("args"))));
-
-    const QString silent = writeShellScript(dir.filePath(QStringLiteral("quiet")), {});
-    SubtitleTrack srt;
-    srt.index = 2;
-    srt.codec = QStringLiteral("subrip");
-    try {
-        FFmpeg{silent, silent}.extract(srt, QStringLiteral("/videos/x.mkv"), dir.path());
-        FAIL() << "expected an empty extraction";
-    } catch (const ShellError& error) {
-        EXPECT_EQ(
-            error.description(),
-            QStringLiteral("ffmpeg falló (código 1):\nLa extracción de la pista #2 salió vacía."));
-    }
-}
-
-TEST(FFmpeg, CommandLinesAreExactlyTheDocumentedOnes) {
-    QTemporaryDir dir;
-    const FFmpeg recording = recordingTools(dir);
-    const QString source = QStringLiteral("/videos/in put.mkv");
-    const auto args = [](const char* text) { return QString::fromUtf8(text).split(u' '); };
-
-    SubtitleTrack movText;
-    movText.index = 3;
-    movText.codec = QStringLiteral("mov_text");
-    recording.extract(movText, source, dir.path());
-    EXPECT_EQ(recordedArguments(dir),
-              args("-y -v error -i") + QStringList{source} + args("-map 0:3") +
-                  QStringList{dir.filePath(QStringLiteral("source_3.srt"))});
-    SubtitleTrack ass;
-    ass.index = 2;
-    ass.codec = QStringLiteral("ass");
-    recording.extract(ass, source, dir.path());
-    EXPECT_EQ(recordedArguments(dir).mid(5),
-              args("-map 0:2 -c:s copy") +
-                  QStringList{dir.filePath(QStringLiteral("source_2.ass"))});
-
-    const QString output = dir.filePath(QStringLiteral("out.mkv"));
-    MuxOptions options;
-    options.title = QStringLiteral("Español (latino)");
-    options.makeDefault = true;
-    options.forced = true;
-    recording.mux(source, QStringLiteral("/tmp/x.SRT"), output, 2, options);
-    QStringList recorded = recordedArguments(dir);
-    const QString temporary = recorded.takeLast();
-    EXPECT_EQ(recorded,
-              args("-y -v error -i") + QStringList{source} +
-                  args("-sub_charenc UTF-8 -i /tmp/x.SRT -map 0 -map 1:0 -c copy -map_metadata 0 "
-                       "-map_chapters 0 -metadata:s:s:2 language=spa -metadata:s:s:2") +
-                  QStringList{QStringLiteral("title=Español (latino)")} +
-                  args("-disposition:s:0 0 -disposition:s:1 0 -disposition:s:2 default"));
-    EXPECT_EQ(QFileInfo(temporary).absolutePath(), dir.path());
-    EXPECT_TRUE(QFileInfo(temporary).fileName().startsWith(QStringLiteral(".out.")));
-    EXPECT_TRUE(temporary.endsWith(QStringLiteral(".mkv")));
-    EXPECT_EQ(readAll(output), "x");
-
-    options.makeDefault = false;
-    options.forced = false;
-    recording.mux(source, QStringLiteral("/tmp/x.ass"), output, 1, options);
-    recorded = recordedArguments(dir);
-    EXPECT_EQ(recorded.mid(5, 2), args("-i /tmp/x.ass")); // no character set for ASS
-    EXPECT_EQ(recorded.mid(recorded.size() - 3, 2), args("-disposition:s:1 0"));
-    options.forced = true;
-    recording.mux(source, QStringLiteral("/tmp/x.srt"), dir.filePath(QStringLiteral("o.M4V")), 0,
-                  options);
-    recorded = recordedArguments(dir);
-    EXPECT_EQ(recorded.mid(13, 4), args("-c copy -c:s:0 mov_text"));
-    EXPECT_EQ(recorded.mid(recorded.size() - 3, 2), args("-disposition:s:0 forced"));
-}
-
-TEST(FFmpeg, ExtractThenMuxKeepsEverythingAndAddsOneSpanishTrack) {
-    QTemporaryDir dir;
-    const QString source = dir.filePath(QStringLiteral("rich.mkv"));
-    MediaFixtures::writeVideo(source, richMkv());
-    const QByteArray sourceHash =
-        QCryptographicHash::hash(readAll(source), QCryptographicHash::Sha256);
-    const QDateTime sourceTime = QFileInfo(source).lastModified();
-    const FFmpeg tools = MediaFixtures::tools();
-    const MediaInfo info = tools.inspect(source);
+TEST_F(FFmpegTest, Mp4TracksAreMovTextOnTheWayInAndOut) {
+    const QString source = path(u"clip.mp4"_s);
+    writeVideo(source, {.subtitles = {{.format = SubtitleFormat::movText, .language = u"eng"_s}}});
     const QString srt =
-        tools.extract(info.pickSource(QStringLiteral("eng")).value(), source, dir.path());
-
-    QDir(dir.path()).mkdir(QStringLiteral("out"));
-    const QString output = dir.filePath(QStringLiteral("out/rich.es.mkv"));
-    MuxOptions options;
-    options.title = QStringLiteral("Español (VeltoMKV)");
-    options.makeDefault = true;
-    tools.mux(source, srt, output, info.tracks.size(), options);
-
-    EXPECT_EQ(QCryptographicHash::hash(readAll(source), QCryptographicHash::Sha256), sourceHash);
-    EXPECT_EQ(QFileInfo(source).lastModified(), sourceTime);
-    EXPECT_EQ(entries(dir.filePath(QStringLiteral("out"))),
-              QStringList{QStringLiteral("rich.es.mkv")});
-
-    const QJsonObject before = MediaFixtures::mkvmergeIdentify(source);
-    const QJsonObject after = MediaFixtures::mkvmergeIdentify(output);
-    const QJsonArray oldTracks = before.value(u"tracks").toArray();
-    const QJsonArray newTracks = after.value(u"tracks").toArray();
-    ASSERT_EQ(newTracks.size(), oldTracks.size() + 1);
-    for (qsizetype i = 0; i < oldTracks.size(); ++i) {
-        const QJsonObject was = oldTracks[i].toObject();
-        const QJsonObject now = newTracks[i].toObject();
-        EXPECT_EQ(now.value(u"codec"), was.value(u"codec")) << i;
-        const QJsonObject wasProperties = was.value(u"properties").toObject();
-        const QJsonObject properties = now.value(u"properties").toObject();
-        for (const char* key : {"language", "track_name", "codec_private_data"})
-            EXPECT_EQ(properties.value(QLatin1String(key)), wasProperties.value(QLatin1String(key)))
-                << i << key;
-        // Making the new track the default resets every disposition of the older subtitles.
-        if (now.value(u"type") == QStringLiteral("subtitles")) {
-            EXPECT_EQ(properties.value(u"default_track"), false) << i;
-            EXPECT_EQ(properties.value(u"forced_track"), false) << i;
-        }
-    }
-    const QJsonObject added = newTracks.last().toObject();
-    const QJsonObject properties = added.value(u"properties").toObject();
-    EXPECT_EQ(added.value(u"type"), QStringLiteral("subtitles"));
-    EXPECT_EQ(added.value(u"codec"), QStringLiteral("SubRip/SRT"));
-    EXPECT_EQ(properties.value(u"language"), QStringLiteral("spa"));
-    EXPECT_EQ(properties.value(u"track_name"), QStringLiteral("Español (VeltoMKV)"));
-    EXPECT_EQ(properties.value(u"default_track"), true);
-    EXPECT_EQ(properties.value(u"forced_track"), false);
-    const QJsonArray attachments = after.value(u"attachments").toArray();
-    ASSERT_EQ(attachments.size(), 1);
-    for (const char* key : {"file_name", "content_type", "size"})
-        EXPECT_EQ(attachments[0][QLatin1String(key)],
-                  before.value(u"attachments")[0][QLatin1String(key)])
-            << key;
-    EXPECT_EQ(after.value(u"chapters")[0][u"num_entries"], 2);
-    EXPECT_EQ(tools.inspect(output).tracks.size(), info.tracks.size() + 1);
+        tools().extract(tools().inspect(source).tracks.value(0), source, m_dir.path());
+    EXPECT_EQ(readFile(srt), srtText(SubtitleRecipe().lines));
+    // A copied SRT would be refused by MP4, whatever the case of the extension.
+    const QString output = path(u"clip.es.MP4"_s);
+    tools().mux(source, srt, output, 1, {});
+    const SubtitleTrack added = tools().inspect(output).tracks.value(1);
+    EXPECT_EQ(added.codec + u' ' + added.language, u"mov_text spa"_s);
+    EXPECT_EQ(probeStreams(output).size(), 4); // video, audio and both subtitles
 }
 
-TEST(FFmpeg, MuxMarksTheNewTrackForcedOnlyWhenItIsNotDefault) {
-    QTemporaryDir dir;
-    const QString source = dir.filePath(QStringLiteral("rich.mkv"));
-    MediaFixtures::writeVideo(source, richMkv());
-    const QString srt = dir.filePath(QStringLiteral("es.srt"));
-    MediaFixtures::writeFile(srt, MediaFixtures::srtText({QStringLiteral("¡Hola, che!")}));
-    const QString output = dir.filePath(QStringLiteral("forced.mkv"));
-    MuxOptions options;
-    options.title = QStringLiteral("Carteles");
-    options.forced = true;
-    MediaFixtures::tools().mux(source, srt, output, 5, options);
+TEST_F(FFmpegTest, ExtractThenMuxKeepsEverythingAndAddsOneSpanishTrackFlaggedAsAsked) {
+    const QByteArray sourceBytes = readFile(richMkv());
+    const QDateTime sourceTime = QFileInfo(richMkv()).lastModified();
+    const MediaInfo info = tools().inspect(richMkv());
+    const QString srt = tools().extract(info.pickSource(u"eng"_s).value(), richMkv(), m_dir.path());
+    const QString output = path(u"out/rich.es.mkv"_s);
+    tools().mux(richMkv(), srt, output, info.tracks.size(),
+                {.title = u"Español (VeltoMKV)"_s, .makeDefault = true});
+    EXPECT_EQ(entries(path(u"out"_s)), QStringList{u"rich.es.mkv"_s});
+    // The new default track clears every flag of the older subtitles.
+    EXPECT_EQ(mkvmergeReport(output),
+              (QStringList{u"MPEG-4p2 und «»"_s, u"PCM und «»"_s, u"SubRip/SRT eng «SDH»"_s,
+                           u"SubStationAlpha ger «Signs»"_s, u"D_WEBVTT/SUBTITLES fre «Français»"_s,
+                           u"HDMV PGS spa «»"_s, u"VobSub und «»"_s,
+                           u"SubRip/SRT spa «Español (VeltoMKV)» default_track"_s,
+                           u"VeltoSans.ttf 4096"_s, u"2 chapters"_s}));
 
-    const QJsonArray tracks = mkvTracks(output);
-    const QJsonObject added = tracks.last()[u"properties"].toObject();
-    EXPECT_EQ(added.value(u"forced_track"), true);
-    EXPECT_EQ(added.value(u"default_track"), false);
-    // Everything the source said about its own tracks stays.
-    const QJsonArray sourceTracks = mkvTracks(source);
-    ASSERT_EQ(tracks.size(), sourceTracks.size() + 1);
-    for (qsizetype i = 0; i < sourceTracks.size(); ++i)
-        for (const char* key : {"default_track", "forced_track", "flag_hearing_impaired"})
-            EXPECT_EQ(tracks[i][u"properties"][QLatin1String(key)],
-                      sourceTracks[i][u"properties"][QLatin1String(key)])
-                << i << key;
-    EXPECT_EQ(tracks[2][u"properties"][u"default_track"], true);
-    QDir(dir.path()).mkdir(QStringLiteral("x"));
-    const QString extracted =
-        MediaFixtures::tools().extract(MediaFixtures::tools().inspect(output).tracks.last(), output,
-                                       dir.filePath(QStringLiteral("x")));
-    EXPECT_EQ(readAll(extracted), readAll(srt)); // UTF-8 text arrives intact
+    // Forced, not default: every other flag stays as it was; the text arrives intact.
+    writeFile(srt, srtText({u"¡Hola, che!"_s}));
+    tools().mux(richMkv(), srt, output, 5, {.title = u"Carteles"_s, .forced = true});
+    QStringList expected = mkvmergeReport(richMkv());
+    expected.insert(7, u"SubRip/SRT spa «Carteles» forced_track"_s);
+    EXPECT_EQ(mkvmergeReport(output), expected);
+    const SubtitleTrack added = tools().inspect(output).tracks.last();
+    EXPECT_EQ(readFile(tools().extract(added, output, m_dir.path())), readFile(srt));
+
+    EXPECT_EQ(
+        failureText([&] { tools().mux(richMkv(), srt, richMkv() + u"/../rich.mkv"_s, 5, {}); }),
+        "La salida no puede ser el mismo archivo que la entrada.");
+    EXPECT_EQ(readFile(richMkv()), sourceBytes);
+    EXPECT_EQ(QFileInfo(richMkv()).lastModified(), sourceTime);
 }
 
-TEST(FFmpeg, MuxIntoMp4EncodesTheNewTrackAsMovText) {
-    QTemporaryDir dir;
-    const QString source = dir.filePath(QStringLiteral("clip.mp4"));
-    MediaFixtures::VideoRecipe recipe;
-    recipe.subtitles = {subtitle(SubtitleFormat::movText, "eng")};
-    MediaFixtures::writeVideo(source, recipe);
-    const FFmpeg tools = MediaFixtures::tools();
-    const QString srt = tools.extract(tools.inspect(source).tracks.value(0), source, dir.path());
-    const QString output = dir.filePath(QStringLiteral("clip.es.mp4"));
-    tools.mux(source, srt, output, 1, MuxOptions());
-
-    const MediaInfo result = tools.inspect(output);
-    ASSERT_EQ(result.tracks.size(), 2);
-    EXPECT_EQ(result.tracks[1].codec, QStringLiteral("mov_text"));
-    EXPECT_EQ(result.tracks[1].language, QStringLiteral("spa"));
-    EXPECT_EQ(result.tracks[0].language, QStringLiteral("eng"));
-    EXPECT_EQ(MediaFixtures::probeStreams(output).size(), 4); // video, audio, both subtitles
-}
-
-TEST(FFmpeg, FailedMuxLeavesNothingBehindAndNeverTouchesTheSource) {
-    QTemporaryDir dir;
-    const QString source = dir.filePath(QStringLiteral("in.mkv"));
-    MediaFixtures::writeVideo(source, MediaFixtures::VideoRecipe());
-    const QByteArray original = readAll(source);
-    QDir(dir.path()).mkdir(QStringLiteral("out"));
-    const QString output = dir.filePath(QStringLiteral("out/in.es.mkv"));
-    try {
-        MediaFixtures::tools().mux(source, dir.filePath(QStringLiteral("missing.srt")), output, 0,
-                                   {});
-        FAIL() << "expected a failure";
-    } catch (const ShellError& error) {
-        EXPECT_TRUE(error.description().startsWith(QStringLiteral("ffmpeg falló (código ")));
-        EXPECT_TRUE(error.description().contains(QStringLiteral("missing.srt")));
-    }
-    EXPECT_EQ(entries(dir.filePath(QStringLiteral("out"))), QStringList());
-
-    const QString srt = dir.filePath(QStringLiteral("es.srt"));
-    MediaFixtures::writeFile(srt, MediaFixtures::srtText({QStringLiteral("Hola")}));
-    try {
-        MediaFixtures::tools().mux(source, srt, dir.filePath(QStringLiteral("out/../in.mkv")), 0,
-                                   {});
-        FAIL() << "expected a refusal";
-    } catch (const FileError& error) {
-        EXPECT_EQ(error.description(),
-                  QStringLiteral("La salida no puede ser el mismo archivo que la entrada."));
-    }
-    EXPECT_EQ(readAll(source), original);
-}
-
-TEST(FFmpeg, CancelledMuxLeavesNeitherTemporaryNorOutput) {
-    QTemporaryDir dir;
-    const QString video = dir.filePath(QStringLiteral("in.mkv"));
-    MediaFixtures::writeVideo(video, richMkv());
-    const QString fifo = dir.filePath(QStringLiteral("stream.mkv"));
-    const EndlessFifo feeder(fifo, readAll(video));
-    const QString srt = dir.filePath(QStringLiteral("es.srt"));
-    MediaFixtures::writeFile(srt, MediaFixtures::srtText({QStringLiteral("Hola")}));
-    QDir(dir.path()).mkdir(QStringLiteral("out"));
-    const QString outDir = dir.filePath(QStringLiteral("out"));
-
-    std::stop_source stop;
-    MuxOutcome outcome;
-    std::jthread mux([&] {
-        try {
-            MediaFixtures::tools().mux(fifo, srt, outDir + QStringLiteral("/in.es.mkv"), 5, {},
-                                       stop.get_token());
-        } catch (const Cancelled&) {
-            outcome.cancelled = true;
-        }
-    });
-    // ffmpeg has opened the temporary output and now waits for more input that never comes.
-    ASSERT_TRUE(eventually([&] { return !entries(outDir).isEmpty(); }));
-    stop.request_stop();
-    mux.join();
-    EXPECT_TRUE(outcome.cancelled);
-    EXPECT_EQ(entries(outDir), QStringList());
-}
-
-TEST(FFmpeg, KilledMuxLeavesNeitherTemporaryNorOutput) {
-    QTemporaryDir dir;
-    const QString video = dir.filePath(QStringLiteral("in.mkv"));
-    MediaFixtures::writeVideo(video, richMkv());
-    const QString fifo = dir.filePath(QStringLiteral("stream.mkv"));
-    const EndlessFifo feeder(fifo, readAll(video));
-    const QString srt = dir.filePath(QStringLiteral("es.srt"));
-    MediaFixtures::writeFile(srt, MediaFixtures::srtText({QStringLiteral("Hola")}));
-    QDir(dir.path()).mkdir(QStringLiteral("out"));
-    const QString outDir = dir.filePath(QStringLiteral("out"));
-    // The real ffmpeg under a wrapper that tells us its pid, so the test can kill it.
-    const QString pidFile = dir.filePath(QStringLiteral("ffmpeg.pid"));
+TEST_F(FFmpegTest, MuxRunsTheDocumentedCommandAndAnInterruptionLeavesNothing) {
+    // The real ffmpeg, behind a wrapper that records its arguments and its pid.
     const QString wrapper = writeShellScript(
-        dir.filePath(QStringLiteral("ffmpeg")),
-        QStringLiteral("'%1' \"$@\" &\necho $! > '%2.tmp'; mv '%2.tmp' '%2'\nwait $!")
-            .arg(MediaFixtures::tools().ffmpeg, pidFile));
-
-    MuxOutcome outcome;
-    std::jthread mux([&] {
-        try {
-            FFmpeg{wrapper, wrapper}.mux(fifo, srt, outDir + QStringLiteral("/in.es.mkv"), 5, {});
-        } catch (const ShellError& error) {
-            outcome.failedStatus = error.status();
-        }
-    });
-    ASSERT_TRUE(eventually([&] { return !entries(outDir).isEmpty() && QFile::exists(pidFile); }));
-    ::kill(static_cast<pid_t>(readAll(pidFile).trimmed().toLongLong()), SIGKILL);
-    mux.join();
-    EXPECT_EQ(outcome.failedStatus, 128 + SIGKILL);
-    EXPECT_EQ(entries(outDir), QStringList());
+        path(u"ffmpeg"_s), u"echo \"$*\" > '%1/args'; echo $$ > '%1/pid'; exec '%2' \"$@\""_s.arg(
+                               m_dir.path(), tools().ffmpeg));
+    const QString srt = path(u"es.srt"_s), fifo = path(u"endless.mkv"_s);
+    writeFile(srt, srtText({u"Hola"_s}));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    for (const bool killing : {false, true}) {
+        const QString out = path(killing ? u"killed"_s : u"cancelled"_s);
+        SCOPED_TRACE(out.toStdString());
+        QDir().mkdir(out);
+        // The whole video, then a pipe kept open: ffmpeg waits for more with its output open.
+        QProcess feeder;
+        feeder.start(u"/bin/sh"_s, {u"-c"_s, u"cat \"$0\" - > \"$1\""_s, richMkv(), fifo});
+        std::string outcome;
+        std::jthread mux([&](std::stop_token stop) {
+            outcome = failureText([&] {
+                FFmpeg{wrapper, {}}.mux(fifo, srt, out + u"/in.es.mkv"_s, 5, {}, stop);
+            });
+        });
+        ASSERT_TRUE(eventually([&] { return !entries(out).isEmpty(); }));
+        if (killing)
+            ::kill(readFile(path(u"pid"_s)).trimmed().toInt(), SIGKILL);
+        else
+            mux.request_stop();
+        mux.join();
+        EXPECT_THAT(outcome,
+                    StartsWith(killing ? "ffmpeg falló (código " : "Operación cancelada."));
+        EXPECT_EQ(entries(out), QStringList());
+        feeder.closeWriteChannel();
+        feeder.waitForFinished();
+    }
+    const QString arguments = QString::fromUtf8(readFile(path(u"args"_s)).trimmed());
+    const QString temporary = arguments.section(u' ', -1);
+    EXPECT_EQ(arguments,
+              u"-y -v error -i %1 -sub_charenc UTF-8 -i %2 -map 0 -map 1:0 -c copy "
+              "-map_metadata 0 -map_chapters 0 -metadata:s:s:5 language=spa "
+              "-metadata:s:s:5 title= -disposition:s:5 0 %3"_s.arg(fifo, srt, temporary));
+    // Hidden, beside the output, with its extension.
+    EXPECT_THAT(temporary.toStdString(),
+                AllOf(StartsWith(path(u"killed/.in.es."_s).toStdString()), EndsWith(".mkv")));
 }
