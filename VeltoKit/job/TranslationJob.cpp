@@ -1,7 +1,6 @@
 #include "VeltoKit/job/TranslationJob.h"
 
 #include <algorithm>
-#include <mutex>
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -226,11 +225,10 @@ private:
         const QStringList texts = document.texts();
         report(JobStage::translating, QString::number(texts.size()) + QStringLiteral(" subtítulos"),
                0.0);
-        std::mutex reporting;
         const Translator::Result result = translator.translateAll(
             texts,
+            // The translator calls this one call at a time, from whichever thread finished.
             [&](const TranslationProgress& progress) {
-                const std::lock_guard lock(reporting);
                 report(JobStage::translating, progressDetail(progress), progress.fraction());
             },
             m_stop);
