@@ -6,7 +6,7 @@
 #include <QJsonObject>
 
 #include "VeltoKit/engines/JsonReader.h"
-#include "VeltoKit/engines/TranslationError.h"
+#include "VeltoKit/translation/TranslationError.h"
 
 namespace velto {
 
@@ -83,7 +83,7 @@ QString AnthropicBackend::defaultModel() {
 }
 
 QString AnthropicBackend::publicBaseUrl() {
-    return QStringLiteral("https://api.anthropic.com");
+    return QStringLiteral("https://api.anthropic.com/v1");
 }
 
 const QList<AnthropicBackend::Effort>& AnthropicBackend::efforts() {
@@ -154,6 +154,10 @@ QString AnthropicBackend::label() const {
     return QStringLiteral("API de Anthropic");
 }
 
+QString AnthropicBackend::cacheScope() const {
+    return label() + u'|' + m_model + u'|' + rawValue(m_effort);
+}
+
 HttpRequest AnthropicBackend::request(const QString& system, const QString& prompt) const {
     const QJsonObject body{
         {QStringLiteral("model"), m_model},
@@ -167,7 +171,7 @@ HttpRequest AnthropicBackend::request(const QString& system, const QString& prom
     };
     HttpRequest request;
     request.method = HttpMethod::post;
-    request.url = QUrl(m_baseUrl + QStringLiteral("/v1/messages"));
+    request.url = QUrl(trimBaseAddress(m_baseUrl) + QStringLiteral("/messages"));
     request.timeoutSeconds = m_timeout;
     request.headers = {{"Content-Type", "application/json"},
                        {"x-api-key", m_apiKey.toUtf8()},

@@ -9,8 +9,8 @@
 
 #include "VeltoKit/engines/HttpClient.h"
 #include "VeltoKit/engines/Retry.h"
-#include "VeltoKit/engines/TranslationBackend.h"
 #include "VeltoKit/platform/PlatformText.h"
+#include "VeltoKit/translation/TranslationBackend.h"
 
 namespace velto {
 
@@ -49,6 +49,7 @@ public:
                      QString baseUrl = publicBaseUrl());
 
     QString label() const override;
+    QString cacheScope() const override;
     QString complete(const QString& system, const QString& prompt,
                      std::stop_token stop) const override;
 

@@ -6,8 +6,8 @@
 #include <QUuid>
 
 #include "VeltoKit/core/VeltoError.h"
-#include "VeltoKit/engines/TranslationError.h"
 #include "VeltoKit/media/Shell.h"
+#include "VeltoKit/translation/TranslationError.h"
 
 namespace velto {
 
@@ -118,6 +118,10 @@ std::optional<QString> ClaudeCLIBackend::locate(const QString& preferredPath,
 
 QString ClaudeCLIBackend::label() const {
     return QStringLiteral("Claude Code (CLI)");
+}
+
+QString ClaudeCLIBackend::cacheScope() const {
+    return label() + u'|' + m_model;
 }
 
 // Print mode with every tool, slash command, MCP server and saved session off: the CLI only

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "VeltoKit/engines/TranslationBackend.h"
+#include "VeltoKit/translation/TranslationBackend.h"
 
 namespace velto {
 
@@ -24,6 +24,7 @@ public:
                                          const QStringList& searchDirectories);
 
     QString label() const override;
+    QString cacheScope() const override;
     QString complete(const QString& system, const QString& prompt,
                      std::stop_token stop) const override;
 

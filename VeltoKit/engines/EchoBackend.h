@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VeltoKit/engines/TranslationBackend.h"
+#include "VeltoKit/translation/TranslationBackend.h"
 
 namespace velto {
 

@@ -7,7 +7,7 @@
 #include <QJsonObject>
 
 #include "VeltoKit/engines/JsonReader.h"
-#include "VeltoKit/engines/TranslationError.h"
+#include "VeltoKit/translation/TranslationError.h"
 
 namespace velto {
 
@@ -131,6 +131,10 @@ GeminiBackend::GeminiBackend(QString apiKey, QString model, QString baseUrl, dou
 
 QString GeminiBackend::label() const {
     return QStringLiteral("Google Gemini");
+}
+
+QString GeminiBackend::cacheScope() const {
+    return label() + u'|' + m_model;
 }
 
 HttpRequest GeminiBackend::request(const QUrl& address, const QString& system,

@@ -8,7 +8,7 @@
 #include <QRegularExpression>
 
 #include "VeltoKit/engines/JsonReader.h"
-#include "VeltoKit/engines/TranslationError.h"
+#include "VeltoKit/translation/TranslationError.h"
 
 namespace velto {
 
@@ -85,6 +85,10 @@ OpenAICompatibleBackend::OpenAICompatibleBackend(QString baseUrl, QString model,
 
 QString OpenAICompatibleBackend::label() const {
     return m_label;
+}
+
+QString OpenAICompatibleBackend::cacheScope() const {
+    return label() + u'|' + trimBaseAddress(m_baseUrl) + u'|' + m_model;
 }
 
 HttpRequest OpenAICompatibleBackend::request(const QUrl& address, const QString& system,

@@ -7,7 +7,7 @@
 
 #include "VeltoKit/engines/HttpClient.h"
 #include "VeltoKit/engines/Retry.h"
-#include "VeltoKit/engines/TranslationBackend.h"
+#include "VeltoKit/translation/TranslationBackend.h"
 
 namespace velto {
 
@@ -25,6 +25,7 @@ public:
                                   std::stop_token stop);
 
     QString label() const override;
+    QString cacheScope() const override;
     QString complete(const QString& system, const QString& prompt,
                      std::stop_token stop) const override;
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <stop_token>
 
-#include "VeltoKit/engines/TranslationError.h"
+#include "VeltoKit/translation/TranslationError.h"
 
 namespace velto::Retry {
 

@@ -7,7 +7,6 @@
 #include <QFileInfo>
 
 #include "VeltoKit/core/VeltoError.h"
-#include "VeltoKit/engines/TranslationBackend.h"
 #include "VeltoKit/job/JobError.h"
 #include "VeltoKit/job/WorkingDirectory.h"
 #include "VeltoKit/media/Languages.h"
@@ -15,6 +14,7 @@
 #include "VeltoKit/subtitles/StripSDH.h"
 #include "VeltoKit/subtitles/SubtitleDocument.h"
 #include "VeltoKit/subtitles/Subtitles.h"
+#include "VeltoKit/translation/TranslationBackend.h"
 #include "VeltoKit/translation/TranslationCache.h"
 #include "VeltoKit/translation/Translator.h"
 
@@ -210,7 +210,7 @@ private:
         name.replace(u'/', u'_');
         return std::make_shared<TranslationCache>(
             QDir(m_cacheDirectory).filePath(name + QStringLiteral(".json")),
-            m_backend->label() + u'|' + rawValue(m_options.variant));
+            m_backend->cacheScope() + u'|' + rawValue(m_options.variant));
     }
 
     static QString sourceLanguageName(const SubtitleTrack& track) {

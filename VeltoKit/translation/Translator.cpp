@@ -12,10 +12,10 @@
 #include <QRegularExpression>
 
 #include "VeltoKit/core/VeltoError.h"
-#include "VeltoKit/engines/TranslationBackend.h"
-#include "VeltoKit/engines/TranslationError.h"
 #include "VeltoKit/translation/BlockProtocol.h"
+#include "VeltoKit/translation/TranslationBackend.h"
 #include "VeltoKit/translation/TranslationCache.h"
+#include "VeltoKit/translation/TranslationError.h"
 #include "VeltoKit/translation/TranslatorState.h"
 
 namespace velto {

@@ -13,7 +13,7 @@
 
 #include "VeltoKit/engines/HttpClient.h"
 #include "VeltoKit/engines/Retry.h"
-#include "VeltoKit/engines/TranslationBackend.h"
+#include "VeltoKit/translation/TranslationBackend.h"
 #include "support/ScriptedHttpServer.h"
 
 namespace velto::test {

@@ -19,7 +19,7 @@ protected:
     // A client deaf to a stop would wait out the hour: the cancel test would hang, not pass.
     AnthropicBackend backend(const QString& key = u"clave"_s) {
         return AnthropicBackend(key, u"claude-haiku-4-5"_s, Effort::xhigh, 16000, 3600, http, wait,
-                                server.baseUrl());
+                                server.baseUrl() + u"/v1"_s);
     }
 };
 

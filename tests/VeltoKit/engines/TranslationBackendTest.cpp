@@ -1,4 +1,4 @@
-#include "VeltoKit/engines/TranslationBackend.h"
+#include "VeltoKit/translation/TranslationBackend.h"
 
 #include <thread>
 

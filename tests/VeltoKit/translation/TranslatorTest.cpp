@@ -9,10 +9,10 @@
 #include <gtest/gtest.h>
 
 #include "VeltoKit/core/VeltoError.h"
-#include "VeltoKit/engines/TranslationBackend.h"
-#include "VeltoKit/engines/TranslationError.h"
 #include "VeltoKit/translation/BlockProtocol.h"
+#include "VeltoKit/translation/TranslationBackend.h"
 #include "VeltoKit/translation/TranslationCache.h"
+#include "VeltoKit/translation/TranslationError.h"
 #include "support/EngineTesting.h"
 
 using namespace velto;

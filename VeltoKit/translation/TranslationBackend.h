@@ -13,6 +13,9 @@ public:
     virtual ~TranslationBackend() = default;
 
     virtual QString label() const = 0;
+    // What sets this engine's answers apart from another's: the label, and the model and
+    // effort where the engine has them. Cached translations never cross scopes.
+    virtual QString cacheScope() const;
     // Throws TranslationError, Cancelled, or a lower-level VeltoError (transport, decoding).
     virtual QString complete(const QString& system, const QString& prompt,
                              std::stop_token stop) const = 0;

@@ -1,8 +1,12 @@
-#include "VeltoKit/engines/TranslationBackend.h"
+#include "VeltoKit/translation/TranslationBackend.h"
 
-#include "VeltoKit/engines/TranslationError.h"
+#include "VeltoKit/translation/TranslationError.h"
 
 namespace velto {
+
+QString TranslationBackend::cacheScope() const {
+    return label();
+}
 
 void TranslationBackend::preflight(std::stop_token stop) const {
     const QString answer =
