@@ -2,6 +2,8 @@
 
 #include <QHashFunctions>
 
+#include "VeltoKit/engines/AnthropicBackend.h"
+#include "VeltoKit/engines/GeminiBackend.h"
 #include "VeltoKit/platform/PlatformText.h"
 
 namespace velto {
@@ -27,8 +29,7 @@ const QString openRouter = QStringLiteral("https://openrouter.ai/api/v1");
 QList<Provider> catalogue() {
     return {
         {QStringLiteral("anthropic"), QStringLiteral("Claude"), Flavor::anthropic,
-         QStringLiteral("https://api.anthropic.com/v1"), true,
-         QStringLiteral("console.anthropic.com"),
+         AnthropicBackend::publicBaseUrl(), true, QStringLiteral("console.anthropic.com"),
          QStringLiteral("La mejor calidad para subtítulos. Se paga por uso."),
          QStringLiteral("cloud"), false},
         {QStringLiteral("openai"), QStringLiteral("ChatGPT (OpenAI)"), Flavor::openAICompatible,
@@ -37,8 +38,7 @@ QList<Provider> catalogue() {
          QStringLiteral("Los modelos GPT. Se paga por uso."),
          QStringLiteral("bubble.left.and.text.bubble.right"), false},
         {QStringLiteral("gemini"), QStringLiteral("Google Gemini"), Flavor::gemini,
-         QStringLiteral("https://generativelanguage.googleapis.com/v1beta"), true,
-         QStringLiteral("aistudio.google.com/apikey"),
+         GeminiBackend::publicBaseUrl(), true, QStringLiteral("aistudio.google.com/apikey"),
          QStringLiteral("Tiene un nivel gratuito generoso, útil para películas largas."),
          QStringLiteral("sparkles"), false},
         {QStringLiteral("meta"), QStringLiteral("Meta Llama"), Flavor::openAICompatible,
