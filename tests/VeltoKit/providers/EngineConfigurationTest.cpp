@@ -107,6 +107,22 @@ TEST(EngineConfiguration, BuildsTheEngineOfEachFlavorWithItsAddressTrimmed) {
               u"Prueba (sin traducir)"_s);
 }
 
+TEST(EngineConfiguration, CachedTranslationsNeverCrossModelsOrEfforts) {
+    const auto scope = [](EngineConfiguration configuration) {
+        return configuration.makeBackend()->cacheScope();
+    };
+    const EngineConfiguration local = setup(Provider::local(), {}, u"a"_s);
+    EXPECT_EQ(scope(local), scope(setup(Provider::local(), u"k"_s, u"a"_s)));
+    EXPECT_NE(scope(local), scope(setup(Provider::local(), {}, u"b"_s)));
+    EXPECT_NE(scope(local), scope(setup(Provider::local(), {}, u"a"_s, u"http://other:1/v1"_s)));
+    EXPECT_NE(scope(setup(Provider::gemini(), u"k"_s, u"a"_s)),
+              scope(setup(Provider::gemini(), u"k"_s, u"b"_s)));
+    EngineConfiguration claude = setup(Provider::claude(), u"k"_s, u"a"_s);
+    const QString medium = scope(claude);
+    claude.effort = Effort::high;
+    EXPECT_NE(scope(claude), medium);
+}
+
 TEST(EngineConfiguration, FindsTheClaudeProgramWhereTheUserSaysOrExplainsWhereToSay) {
     QTemporaryDir folder;
     const QString binary = QDir(folder.path()).filePath(u"claude"_s);
