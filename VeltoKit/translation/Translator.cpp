@@ -202,7 +202,7 @@ void Translator::runBatches(Run& run, const QList<QList<qsizetype>>& batches) co
                  batch = next++) {
                 runBatch(run, batches[batch]);
                 if (m_cache)
-                    m_cache->flush();
+                    m_cache->flushIfDue(TranslationCache::Clock::now());
             }
         } catch (const Cancelled&) {
             // Expected once a stop was requested: by the caller, or by a sibling's error.
