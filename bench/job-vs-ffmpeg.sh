@@ -2,9 +2,9 @@
 # Times the whole job (veltomkv-cli with the echo engine, no cache) against the bare ffprobe and
 # ffmpeg commands it wraps (probe, extract, mux, probe the result), on two generated films side
 # by side: ~311 MB with 20 minutes and 1,500 cues, and ~1 GB of 720p. Also reports
-# veltomkv-cli's peak memory. The rounds alternate who goes first, since a run right after
-# another big write is slower; the fastest runs are shown beside the medians, since a big write
-# now and then waits for the disk.
+# veltomkv-cli's peak memory, in a run of its own. The rounds alternate who goes first, since a
+# run right after another big write is slower; the fastest runs are shown beside the medians,
+# since a big write now and then waits for the disk.
 # ROUNDS=n changes the number of rounds (default 5); FILMS="film" leaves the 1 GB one out.
 # Linux: the memory is read from /proc.
 set -euo pipefail
@@ -18,11 +18,17 @@ source "$(dirname "$0")/timing.bash"
 remove_outputs() { rm -f "$work/job.mkv" "$work/bare.mkv" "$work/bare.srt"; }
 trap remove_outputs EXIT
 
+run_job() {
+  local start
+  start=$(now)
+  "$cli" --engine echo --no-cache --output "$work/job.mkv" "$source" > /dev/null
+  job+=" $(elapsed "$start" "$(now)")"
+}
 # The peak resident memory of veltomkv-cli alone (the tools it runs are processes of their
 # own), read from /proc while it runs: VmHWM only grows, so the last reading is the peak.
-run_job() {
-  local start pid peak=0 key value
-  start=$(now)
+# A run of its own: the polling would slow the timed ones down and end them late.
+peak_memory() {
+  local pid peak=0 key value
   "$cli" --engine echo --no-cache --output "$work/job.mkv" "$source" > /dev/null &
   pid=$!
   while [ -r "/proc/$pid/status" ]; do
@@ -33,8 +39,8 @@ run_job() {
     sleep 0.05
   done
   wait "$pid"
-  job+=" $(elapsed "$start" "$(now)")"
-  rss+=" $peak"
+  remove_outputs
+  awk -v k="$peak" 'BEGIN { printf "%.1f", k / 1024 }'
 }
 # What the job runs, in its order, with the job's own arguments.
 probe() {
@@ -57,7 +63,7 @@ low() { minimum <<< "$1"; }
 for film in $films; do
   source=$("$(dirname "$0")/make-big-mkv" "$work" "$film")
   cat "$source" > /dev/null # both start with the file in the page cache
-  job="" bare="" rss=""
+  job="" bare=""
   for ((round = 1; round <= rounds; round++)); do
     if ((round % 2)); then order="run_job run_bare"; else order="run_bare run_job"; fi
     for contender in $order; do
@@ -72,6 +78,5 @@ for film in $films; do
   printf 'bare ffprobe + extract + mux + ffprobe:   %s s (%s s)\n' "$(m "$bare")" "$(low "$bare")"
   printf 'job / bare ffmpeg: %s (fastest runs: %s; aim: at most 1.05)\n' \
     "$(ratio "$(m "$job")" "$(m "$bare")")" "$(ratio "$(low "$job")" "$(low "$bare")")"
-  printf 'veltomkv-cli peak memory: %s MB\n' \
-    "$(awk -v k="$(m "$rss")" 'BEGIN { printf "%.1f", k / 1024 }')"
+  printf 'veltomkv-cli peak memory: %s MB\n' "$(peak_memory)"
 done
