@@ -81,8 +81,15 @@ const QRegularExpression& markPattern() {
     return mark;
 }
 
+// Most subtitles have no marks at all; this spares them the regular expression.
+bool mayHoldMarks(QStringView text) {
+    return text.contains(u'⟪') || text.contains(u'<');
+}
+
 // The formatting marks of a text, in order.
 QStringList formattingMarks(const QString& text) {
+    if (!mayHoldMarks(text))
+        return {};
     QStringList marks;
     for (const QRegularExpressionMatch& match : markPattern().globalMatch(text))
         marks.append(match.captured(0));
@@ -98,6 +105,8 @@ bool nothingToTranslate(const QString& text) {
     static const QRegularExpression drawing(
         QStringLiteral("^\\s*m(\\s+-?\\d+(\\.\\d+)?){2}(\\s+([mnlbspc]|-?\\d+(\\.\\d+)?))*\\s*$"),
         QRegularExpression::UseUnicodePropertiesOption);
+    if (!mayHoldMarks(text))
+        return QStringView(text).trimmed().isEmpty();
     if (QString(text).remove(markPattern()).trimmed().isEmpty())
         return true;
     // Tags between drawing commands separate them like spaces.
