@@ -30,9 +30,10 @@ QStringList echoesOf(QStringList texts) {
 }
 
 // The echoes of `texts`, except where `translations` kept the text as it was: those are only
-// allowed for texts with no words (blank, marks only, ASS drawings).
+// allowed for texts with no words (blank, marks or override blocks only, ASS drawings).
 QStringList echoesOrKept(const QStringList& texts, const QStringList& translations) {
-    static const QRegularExpression noWords(uR"(⟪\d+⟫|<[^<>]*>|[mnlbspc\d\s.-])"_s);
+    static const QRegularExpression noWords(
+        uR"(⟪\d+⟫|\{[^{}]*\}|\\[Nnh]|<[^<>]*>|[mnlbspc\d\s.-])"_s);
     QStringList expected = echoesOf(texts);
     for (qsizetype k = 0; k < texts.size() && k < translations.size(); ++k) {
         if (translations[k] == texts[k] && QString(texts[k]).remove(noWords).isEmpty())

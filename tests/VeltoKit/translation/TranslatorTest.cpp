@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "VeltoKit/core/VeltoError.h"
+#include "VeltoKit/subtitles/AssPlaceholders.h"
 #include "VeltoKit/translation/BlockProtocol.h"
 #include "VeltoKit/translation/TranslationBackend.h"
 #include "VeltoKit/translation/TranslationCache.h"
@@ -171,7 +172,7 @@ TEST_F(TranslatorTest, KeepsTextsWithoutWordsAsTheyAreAndCountsOnlyTheOthers) {
                               u" \n\t\u00a0"_s,
                               u"<i></i>"_s,
                               u"⟪1⟫⟪2⟫"_s,
-                              u"⟪1⟫m 0 0 l 100 0 100 100 0 100⟪2⟫"_s,
+                              AssPlaceholders::protect(u"{\\p1}m 0 0 l 100 0 100 100{\\p0}").text,
                               u" ⟪1⟫ m 10.5 -3 b 1 2 3 4 5 6⟪2⟫⟪3⟫m 0 0 n 1 1 c "_s};
     // Words after a drawing, or coordinates without the tag that would draw them, are shown.
     const QStringList sent = {u"⟪1⟫m 0 0 l 100 0⟪2⟫Hola"_s, u"m 0 0 l 10 10"_s, u"Mm"_s,
