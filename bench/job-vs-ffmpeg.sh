@@ -6,7 +6,8 @@
 # run right after another big write is slower; the fastest runs are shown beside the medians,
 # since a big write now and then waits for the disk.
 # ROUNDS=n changes the number of rounds (default 5); FILMS="film" leaves the 1 GB one out;
-# BEFORE=path-to-an-older-veltomkv-cli times it too, in the same rounds.
+# BEFORE=path-to-an-older-veltomkv-cli times it too, in the same rounds; VERBOSE=1 prints
+# every sample.
 # Linux: the memory is read from /proc.
 set -euo pipefail
 build=${1:-build/bench}
@@ -100,6 +101,9 @@ for film in $films; do
     $(($(stat -c %s "$source" 2>/dev/null || stat -f %z "$source") / 1000000)) "$rounds"
   printf 'veltomkv-cli, whole job (echo engine):    %s s (%s s)\n' "$(m "$job")" "$(low "$job")"
   printf 'bare ffprobe + extract + mux + ffprobe:   %s s (%s s)\n' "$(m "$bare")" "$(low "$bare")"
+  if [ -n "${VERBOSE:-}" ]; then
+    printf 'samples: job%s | bare%s%s\n' "$job" "$bare" "${BEFORE:+ | before$before}"
+  fi
   printf 'CPU, user + system (medians): job %s + %s s, bare %s + %s s\n' "$(m "$job_user")" \
     "$(m "$job_sys")" "$(m "$bare_user")" "$(m "$bare_sys")"
   printf 'job / bare ffmpeg: %s (fastest runs: %s; aim: at most 1.05)\n' \
