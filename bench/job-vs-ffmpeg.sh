@@ -5,7 +5,9 @@
 # veltomkv-cli's peak memory, in a run of its own. The rounds alternate who goes first, since a
 # run right after another big write is slower; the fastest runs are shown beside the medians,
 # since a big write now and then waits for the disk.
-# ROUNDS=n changes the number of rounds (default 5); FILMS="film" leaves the 1 GB one out.
+# ROUNDS=n changes the number of rounds (default 5); FILMS="film" leaves the 1 GB one out;
+# BEFORE=path-to-an-older-veltomkv-cli times it too, in the same rounds; VERBOSE=1 prints
+# every sample.
 # Linux: the memory is read from /proc.
 set -euo pipefail
 build=${1:-build/bench}
@@ -39,6 +41,10 @@ record() {
 run_job() {
   timed "$cli" --engine echo --no-cache --output "$work/job.mkv" "$source"
   record job job_user job_sys
+}
+run_before() {
+  timed "$BEFORE" --engine echo --no-cache --output "$work/job.mkv" "$source"
+  record before before_user before_sys
 }
 # The peak resident memory of veltomkv-cli alone (the tools it runs are processes of their
 # own), read from /proc while it runs: VmHWM only grows, so the last reading is the peak.
@@ -80,10 +86,12 @@ low() { minimum <<< "$1"; }
 for film in $films; do
   source=$("$(dirname "$0")/make-big-mkv" "$work" "$film")
   cat "$source" > /dev/null # both start with the file in the page cache
-  job="" job_user="" job_sys="" bare="" bare_user="" bare_sys=""
+  job="" job_user="" job_sys="" bare="" bare_user="" bare_sys="" before="" before_user="" before_sys=""
   for ((round = 1; round <= rounds; round++)); do
-    if ((round % 2)); then order="run_job run_bare"; else order="run_bare run_job"; fi
-    for contender in $order; do
+    # Each round starts with the next contender.
+    contenders=(run_job run_bare ${BEFORE:+run_before})
+    first=$(((round - 1) % ${#contenders[@]}))
+    for contender in "${contenders[@]:first}" "${contenders[@]:0:first}"; do
       "$contender"
       remove_outputs
       sync
@@ -93,9 +101,18 @@ for film in $films; do
     $(($(stat -c %s "$source" 2>/dev/null || stat -f %z "$source") / 1000000)) "$rounds"
   printf 'veltomkv-cli, whole job (echo engine):    %s s (%s s)\n' "$(m "$job")" "$(low "$job")"
   printf 'bare ffprobe + extract + mux + ffprobe:   %s s (%s s)\n' "$(m "$bare")" "$(low "$bare")"
+  if [ -n "${VERBOSE:-}" ]; then
+    printf 'samples: job%s | bare%s%s\n' "$job" "$bare" "${BEFORE:+ | before$before}"
+  fi
   printf 'CPU, user + system (medians): job %s + %s s, bare %s + %s s\n' "$(m "$job_user")" \
     "$(m "$job_sys")" "$(m "$bare_user")" "$(m "$bare_sys")"
   printf 'job / bare ffmpeg: %s (fastest runs: %s; aim: at most 1.05)\n' \
     "$(ratio "$(m "$job")" "$(m "$bare")")" "$(ratio "$(low "$job")" "$(low "$bare")")"
+  if [ -n "${BEFORE:-}" ]; then
+    printf 'BEFORE build, whole job:                  %s s (%s s), user + system %s + %s s\n' \
+      "$(m "$before")" "$(low "$before")" "$(m "$before_user")" "$(m "$before_sys")"
+    printf 'BEFORE / bare ffmpeg: %s (fastest runs: %s)\n' \
+      "$(ratio "$(m "$before")" "$(m "$bare")")" "$(ratio "$(low "$before")" "$(low "$bare")")"
+  fi
   printf 'veltomkv-cli peak memory: %s MB\n' "$(peak_memory)"
 done

@@ -127,6 +127,8 @@ protected:
 TEST_F(TranslationJobTest, WritesAVerifiedCopyWithTheEchoTrackAndReportsEveryStage) {
     SubtitleRecipe english = track(SubtitleFormat::srt, u"eng"_s, 11);
     english.lines[6] = u"<i>Nobody translates me.</i>"_s;
+    // No words: kept as it is, never sent, not counted.
+    english.lines[3] = u"<i> </i>"_s;
     const QString source = video(u"Movie.mkv"_s, {english});
     const QByteArray before = fingerprint(source);
     ObservedEcho backend;
@@ -139,7 +141,7 @@ TEST_F(TranslationJobTest, WritesAVerifiedCopyWithTheEchoTrackAndReportsEverySta
     const JobResult result = run(source, options, backend);
 
     EXPECT_EQ(result.outputURL, path(u"Movie.es.mkv"_s));
-    EXPECT_EQ(result.translatedCount, 10);
+    EXPECT_EQ(result.translatedCount, 9);
     EXPECT_EQ(result.failedLines, 1);
     EXPECT_EQ(result.warnings.last(), u"Lote de 1 sin traducir (faltan o sobran bloques "
                                       u"(esperados 1, recibidos 0))"_s);
@@ -156,12 +158,12 @@ TEST_F(TranslationJobTest, WritesAVerifiedCopyWithTheEchoTrackAndReportsEverySta
                                JobStage::translating, JobStage::rebuilding, JobStage::muxing,
                                JobStage::verifying, JobStage::done}));
     EXPECT_EQ(details(JobStage::translating).first(), u"11 subtítulos"_s);
-    EXPECT_EQ(details(JobStage::translating).last(), u"11 de 11  ·  1 sin traducir"_s);
+    EXPECT_EQ(details(JobStage::translating).last(), u"10 de 10  ·  1 sin traducir"_s);
     EXPECT_EQ(m_updates.last().detail, u"Movie.es.mkv"_s);
     EXPECT_EQ(m_updates.last().progress, 1.0);
 
     // mkvmerge reads the new track as asked, and its cues are the echo of the source's, at the
-    // source's times; the refused line keeps its original wording.
+    // source's times; the refused line and the one without words keep their original wording.
     ASSERT_EQ(result.finalTracks.size(), 2);
     const QJsonObject added = MediaFixtures::mkvmergeIdentify(result.outputURL)[u"tracks"]
                                   .toArray()
@@ -177,7 +179,7 @@ TEST_F(TranslationJobTest, WritesAVerifiedCopyWithTheEchoTrackAndReportsEverySta
     ASSERT_EQ(translated.size(), 11);
     for (qsizetype i = 0; i < original.size(); ++i) {
         EXPECT_EQ(translated[i].start + translated[i].end, original[i].start + original[i].end);
-        EXPECT_EQ(translated[i].text, (i == 6 ? u""_s : u"[ES] "_s) + original[i].text);
+        EXPECT_EQ(translated[i].text, (i == 6 || i == 3 ? u""_s : u"[ES] "_s) + original[i].text);
     }
 }
 
