@@ -67,6 +67,10 @@ int exitStatus(const QProcess& process) {
     return process.exitCode() != 0 ? process.exitCode() : -1;
 }
 
+bool killed(const QProcess& process) {
+    return process.exitStatus() == QProcess::CrashExit;
+}
+
 void start(QProcess& process, const QString& executable, const QStringList& arguments,
            const ShellRunOptions& options, const QProcessEnvironment& environment) {
     process.setProgram(executable);
@@ -125,7 +129,8 @@ ProcessResult runWithEnvironment(const QString& executable, const QStringList& a
         }
     }
     throwIfStopped(stop);
-    return {exitStatus(process), QString::fromUtf8(output), QString::fromUtf8(error)};
+    return {exitStatus(process), killed(process), QString::fromUtf8(output),
+            QString::fromUtf8(error)};
 }
 
 } // namespace

@@ -104,10 +104,32 @@ TEST_F(FFmpegTest, LocatesBothToolsAndReportsWhatWentWrong) {
     EXPECT_EQ(located.ffprobe, ffprobe);
     EXPECT_EQ(located.version(), u"desconocida"_s); // it prints nothing
     EXPECT_TRUE(tools().version().startsWith(u"ffmpeg version "_s));
-    EXPECT_THAT(failureText([] { FFmpeg().inspect(u"x.mkv"_s); }),
+    EXPECT_THAT(failureText([&] { FFmpeg().inspect(ffmpeg); }),
                 StartsWith("No encuentro «ffprobe»."));
-    EXPECT_THAT(failureText([&] { tools().inspect(path(u"missing.mkv"_s)); }),
-                AllOf(StartsWith("ffprobe falló (código 1):\n"), HasSubstr("missing.mkv")));
+}
+
+TEST_F(FFmpegTest, SaysInItsOwnWordsWhatIsNoVideoAndTakesNamesThatLookLikeOptions) {
+    writeFile(path(u"empty.mkv"_s), {});
+    writeFile(path(u"notes.mkv"_s), "Esto no es un video.\n");
+    writeVideo(path(u"-trailer.mkv"_s), {.subtitles = {{.language = u"eng"_s}}});
+    const QString missing = path(u"missing.mkv"_s);
+    const QList<std::pair<QString, std::string>> cases = {
+        {missing, "No encuentro el video «" + missing.toStdString() + "»."},
+        {m_dir.path(),
+         "«" + m_dir.path().toStdString() + "» es una carpeta. Elegí un archivo de video."},
+        {path(u"empty.mkv"_s), "«" + path(u"empty.mkv"_s).toStdString() +
+                                   "» está vacío (0 bytes): no es un video. Elegí otro archivo."},
+        {path(u"notes.mkv"_s),
+         "«" + path(u"notes.mkv"_s).toStdString() +
+             "» no es un video que pueda leer: su formato no se reconoce o el archivo está "
+             "dañado. Elegí un archivo de video, por ejemplo un .mkv o un .mp4."},
+        {u"-trailer.mkv"_s, "no failure"},
+    };
+    const QString before = QDir::currentPath();
+    QDir::setCurrent(m_dir.path()); // the relative name, as a user types it
+    for (const auto& [file, message] : cases)
+        EXPECT_EQ(failureText([&] { tools().inspect(file); }), message);
+    QDir::setCurrent(before);
 }
 
 TEST_F(FFmpegTest, InspectsEveryKindOfTrackAndExtractsTheTextOnes) {
@@ -127,7 +149,7 @@ TEST_F(FFmpegTest, InspectsEveryKindOfTrackAndExtractsTheTextOnes) {
               "ffmpeg falló (código 1):\nLa pista #5 es de tipo imagen (hdmv_pgs_subtitle). Haría "
               "falta OCR para traducirla; VeltoMKV solo maneja subtítulos de texto.");
     EXPECT_EQ(failureText([&] { silent.extract(info.tracks[0], richMkv(), m_dir.path()); }),
-              "ffmpeg falló (código 1):\nLa extracción de la pista #2 salió vacía.");
+              "La pista #2 está vacía: no tiene ningún subtítulo para traducir. Elegí otra pista.");
 
     // SRT and ASS come out as they are, WebVTT as SRT.
     for (const SubtitleTrack& track : info.tracks.mid(0, 3))
@@ -212,8 +234,10 @@ TEST_F(FFmpegTest, MuxRunsTheDocumentedCommandAndAnInterruptionLeavesNothing) {
         else
             mux.request_stop();
         mux.join();
-        EXPECT_THAT(outcome,
-                    StartsWith(killing ? "ffmpeg falló (código " : "Operación cancelada."));
+        EXPECT_EQ(outcome, killing ? "ffmpeg se cortó antes de terminar: lo detuvo la señal 9. Si "
+                                     "no lo cortaste vos, probá de nuevo; suele pasar cuando el "
+                                     "sistema se queda sin memoria."
+                                   : "Operación cancelada.");
         EXPECT_EQ(entries(out), QStringList());
         feeder.closeWriteChannel();
         feeder.waitForFinished();
