@@ -52,6 +52,7 @@ WorkingDirectory::WorkingDirectory() {
     }
     m_path = QDir(parent).filePath(QStringLiteral("veltomkv-") +
                                    QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
+    m_listed = std::make_unique<Leftovers::Path>(m_path);
     std::error_code error;
     std::filesystem::create_directories(m_path.toStdU16String(), error);
     if (error)

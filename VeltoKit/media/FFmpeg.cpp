@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <QUuid>
 
+#include "VeltoKit/core/Leftovers.h"
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/media/Shell.h"
 #include "VeltoKit/media/ShellError.h"
@@ -285,6 +286,7 @@ void FFmpeg::mux(const QString& source, const QString& subtitle, const QString& 
     const QStringList arguments =
         muxArguments(toolPath(source), toolPath(subtitle), temporary, existingSubtitleCount,
                      options, needsMovText(outputInfo));
+    const Leftovers::Path listed(temporary);
     try {
         runTool(QStringLiteral("ffmpeg"), ffmpeg, arguments, std::move(stop),
                 outputInfo.absolutePath());

@@ -10,6 +10,7 @@
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 
+#include "VeltoKit/core/Leftovers.h"
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/media/ShellError.h"
 
@@ -109,6 +110,7 @@ ProcessResult runWithEnvironment(const QString& executable, const QStringList& a
     throwIfStopped(stop);
     QProcess process;
     start(process, executable, arguments, options, environment);
+    const Leftovers::Child listed(process.processId());
     const auto deadline = deadlineAfter(options.timeoutSeconds);
     // Both pipes are read while waiting, so a child that fills one of them never stalls.
     QByteArray output;

@@ -10,8 +10,11 @@
 
 #include <gtest/gtest.h>
 
+#include "VeltoKit/media/Shell.h"
+#include "support/Eventually.h"
 #include "support/MediaFixtures.h"
 #include "support/QStringPrinter.h"
+#include "support/ShellScripts.h"
 
 using namespace Qt::StringLiterals;
 using namespace velto;
@@ -37,6 +40,25 @@ protected:
     }
 
     QString path(const QString& name) const { return QDir(m_root.path()).filePath(name); }
+
+    void setEnvironment(const QString& name, const QString& value) {
+        QProcessEnvironment environment = m_process.processEnvironment();
+        environment.insert(name, value);
+        m_process.setProcessEnvironment(environment);
+    }
+
+    // Everything in the temporary folder and beside the videos that the test did not put there.
+    QStringList leftovers(const QStringList& expected) const {
+        QStringList found =
+            QDir(path(u"tmp"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        for (const QString& name :
+             QDir(m_root.path())
+                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
+            if (!expected.contains(name) && name != u"tmp" && name != u"data")
+                found.append(name);
+        }
+        return found;
+    }
 
     void start(const QStringList& arguments) {
         m_process.start(QStringLiteral(VELTO_CLI_PATH), arguments);
@@ -135,4 +157,90 @@ TEST_F(CliTest, CtrlCCancelsCleanlyWithStatus130) {
     EXPECT_EQ(QDir(path(u"tmp"_s)).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
               QStringList());
     EXPECT_FALSE(QFile::exists(path(u"Next.es.mkv"_s))) << "a cancel stops the whole batch";
+}
+
+TEST_F(CliTest, NothingIsLeftBehindHoweverTheMuxEnds) {
+    // ffmpeg as found in ~/.local/bin: the real one, except that the mux writes the start of its
+    // output and then waits for an end that the case brings, or fails as on a full disk.
+    if (Shell::which(u"ffmpeg"_s, Shell::searchPaths().mid(0, 3)))
+        GTEST_SKIP() << "an ffmpeg installed before ~/.local/bin would be used instead";
+    QDir(m_root.path()).mkpath(u"home/.local/bin"_s);
+    writeShellScript(path(u"home/.local/bin/ffmpeg"_s),
+                     u"for last; do :; done\n"
+                     "case \"$last\" in *.partial-*)\n"
+                     "  echo $$ > \"$VELTO_TEST_ROOT/mux.pid\"; echo started > \"$last\"\n"
+                     "  [ \"$VELTO_TEST_MUX\" = full ] && echo 'av_interleaved_write_frame(): No "
+                     "space left on device' >&2 && exit 1\n"
+                     "  exec tail -f /dev/null;;\n"
+                     "esac\n"
+                     "exec '%1' \"$@\""_s.arg(MediaFixtures::tools().ffmpeg));
+    const QString source = englishVideo(u"Movie.mkv"_s);
+    const QByteArray before = MediaFixtures::readFile(source);
+    struct Case {
+        QString name;
+        QStringList arguments;
+        // Brings the waiting mux to its end; none: the mux fails on its own.
+        std::function<void(pid_t cli, pid_t mux)> end;
+        int status;
+        QString err;
+    };
+    const QStringList plain = {QStringLiteral(VELTO_CLI_PATH), u"--no-cache"_s, source};
+    const QList<Case> cases = {
+        // Two kinds, since two of one kind sent at once may arrive as one.
+        {u"Ctrl-C, then SIGTERM before the tools wound down"_s, plain,
+         [](pid_t cli, pid_t) { ::kill(cli, SIGINT), ::kill(cli, SIGTERM); }, 130, QString()},
+        {u"SIGTERM"_s, plain, [](pid_t cli, pid_t) { ::kill(cli, SIGTERM); }, 130,
+         u"Cancelado: Movie.mkv. No quedó ningún archivo a medio escribir.\n"_s},
+        {u"ffmpeg killed"_s, plain, [](pid_t, pid_t mux) { ::kill(mux, SIGKILL); }, 1,
+         u"No se pudo traducir Movie.mkv:\nffmpeg se cortó antes de terminar: lo detuvo la señal "
+         "9. Si no lo cortaste vos, probá de nuevo; suele pasar cuando el sistema se queda sin "
+         "memoria.\n"_s},
+        {u"a full disk"_s,
+         plain,
+         {},
+         1,
+         u"No se pudo traducir Movie.mkv:\nSe llenó el disco de la carpeta «"_s + m_root.path() +
+             u"» mientras ffmpeg escribía. Liberá espacio y probá de nuevo.\n"_s},
+        // The reader quits at the mux's line, before or while the mux runs: the same either way.
+        {u"the reader of the output quits"_s,
+         {u"-c"_s,
+          u"\"$0\" --json --no-cache \"$1\" | sed '/muxing/q' > /dev/null; "
+          "exit ${PIPESTATUS[0]}"_s,
+          QStringLiteral(VELTO_CLI_PATH), source},
+         {},
+         141,
+         QString()},
+    };
+    setEnvironment(u"HOME"_s, path(u"home"_s));
+    setEnvironment(u"VELTO_TEST_ROOT"_s, m_root.path());
+    for (const Case& ending : cases) {
+        SCOPED_TRACE(ending.name.toStdString());
+        QFile::remove(path(u"mux.pid"_s));
+        for (const QString& name : leftovers({u"Movie.mkv"_s, u"home"_s})) {
+            QDir(path(u"tmp/"_s + name)).removeRecursively();
+            QFile::remove(path(name)); // a failed case must not fail the next
+        }
+        const bool waits = ending.arguments == plain;
+        setEnvironment(u"VELTO_TEST_MUX"_s, ending.end || !waits ? u"wait"_s : u"full"_s);
+        m_process.start(waits ? plain[0] : u"/bin/bash"_s, ending.arguments.mid(waits ? 1 : 0));
+        ASSERT_TRUE(m_process.waitForStarted());
+        const auto muxPid = [&] {
+            return static_cast<pid_t>(
+                MediaFixtures::readFile(path(u"mux.pid"_s)).trimmed().toInt());
+        };
+        if (ending.end) {
+            ASSERT_TRUE(eventually([&] { return muxPid() > 0; }));
+            ending.end(static_cast<pid_t>(m_process.processId()), muxPid());
+        }
+        const Outcome outcome = finish();
+        EXPECT_EQ(outcome.status, ending.status);
+        EXPECT_EQ(outcome.err, ending.err);
+        EXPECT_EQ(leftovers({u"Movie.mkv"_s, u"home"_s, u"mux.pid"_s}), QStringList());
+        const pid_t mux = muxPid();
+        EXPECT_TRUE(eventually([&] {
+            return mux == 0 || ::kill(mux, 0) != 0 ||
+                   MediaFixtures::readFile(u"/proc/%1/stat"_s.arg(mux)).contains(") Z ");
+        })) << "the tool is not left running";
+    }
+    EXPECT_EQ(MediaFixtures::readFile(source), before);
 }
