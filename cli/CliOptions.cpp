@@ -186,7 +186,8 @@ QString helpText() {
         "  --version               la versión\n"
         "\n"
         "Salida: 0 si todo salió bien, 1 si falló algún video, 2 si las opciones no son\n"
-        "válidas y 130 si lo cancelaste con Ctrl-C.\n");
+        "válidas y 130 si lo cancelaste con Ctrl-C.\n"
+        "Si se cierra la salida (por ejemplo, con | head), cancela, limpia y sale con 141.\n");
 }
 
 } // namespace velto::cli

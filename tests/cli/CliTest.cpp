@@ -113,6 +113,82 @@ TEST_F(CliTest, BadUsageIsStatusTwoWithASpanishReason) {
     EXPECT_EQ(run({u"--version"_s}).out, u"veltomkv-cli " VELTO_VERSION "\n"_s);
 }
 
+TEST_F(CliTest, RefusesWhatItCannotDoInItsOwnWordsAndLeavesNothing) {
+    const QString english = englishVideo(u"Movie.mkv"_s);
+    MediaFixtures::SubtitleRecipe spanish;
+    spanish.language = u"spa"_s;
+    MediaFixtures::writeVideo(path(u"Spanish.mkv"_s), {.subtitles = {spanish}});
+    MediaFixtures::writeFile(path(u"empty.mkv"_s), {});
+    MediaFixtures::writeFile(path(u"file"_s), {});
+    const QString root = m_root.path();
+    struct Case {
+        QStringList arguments;
+        QString err;
+        std::pair<QString, QString> environment = {};
+    };
+    const QList<Case> cases = {
+        {{u"--list-tracks"_s, path(u"missing.mkv"_s)},
+         u"No pude leer las pistas de missing.mkv:\nNo encuentro el video «%1/missing.mkv».\n"_s},
+        {{u"--list-tracks"_s, root},
+         u"No pude leer las pistas de %2:\n«%1» es una carpeta. Elegí un archivo de video.\n"_s},
+        {{path(u"empty.mkv"_s)},
+         u"No se pudo traducir empty.mkv:\n«%1/empty.mkv» está vacío (0 bytes): no es un video. "
+         "Elegí otro archivo.\n"_s},
+        {{u"--output"_s, root, english},
+         u"No se pudo traducir Movie.mkv:\n«%1» es una carpeta. Indicá también el nombre del "
+         "archivo a escribir en ella, terminado en .mkv, .mp4, .m4v o .mov.\n"_s},
+        {{u"--output"_s, path(u"Movie.es.txt"_s), english},
+         u"No se pudo traducir Movie.mkv:\nNo puedo escribir un video «.txt»: terminá el nombre "
+         "en .mkv, .mp4, .m4v o .mov.\n"_s},
+        {{u"--output"_s, path(u"Película"_s), english},
+         u"No se pudo traducir Movie.mkv:\nA «%1/Película» le falta la extensión: terminá el "
+         "nombre en .mkv, .mp4, .m4v o .mov.\n"_s},
+        {{u"--output"_s, path(u"Movie.es.mp4"_s), english},
+         u"No se pudo traducir Movie.mkv:\nUn «.mp4» solo guarda subtítulos mov_text y este video "
+         "trae pistas subrip. Guardá el resultado como .mkv.\n"_s},
+        {{path(u"Spanish.mkv"_s)},
+         u"No se pudo traducir Spanish.mkv:\nEl archivo ya tiene subtítulos en español. Agregá "
+         "--force si querés traducirlo de todos modos.\n"_s},
+        {{english},
+         u"No se pudo traducir Movie.mkv:\nNo puedo guardar el caché de traducciones en "
+         "«%1/file/VeltoMKV/Cache». Revisá los permisos de esa carpeta o desactivá el caché.\n"
+         "Desde la terminal, agregá --no-cache para traducir sin caché.\n"_s,
+         {u"XDG_DATA_HOME"_s, path(u"file"_s)}},
+        {{english},
+         u"No se pudo traducir Movie.mkv:\nLa carpeta temporal «%1/gone» no existe o no es una "
+         "carpeta. Revisá la variable TMPDIR.\n"_s,
+         {u"TMPDIR"_s, path(u"gone"_s)}},
+    };
+    const QProcessEnvironment usual = m_process.processEnvironment();
+    for (const Case& refusal : cases) {
+        SCOPED_TRACE(refusal.arguments.join(u' ').toStdString());
+        QProcessEnvironment environment = usual;
+        if (!refusal.environment.first.isEmpty())
+            environment.insert(refusal.environment.first, refusal.environment.second);
+        m_process.setProcessEnvironment(environment);
+        const Outcome outcome = run(refusal.arguments);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.err, QString(refusal.err)
+                                   .replace(u"%1"_s, root)
+                                   .replace(u"%2"_s, QFileInfo(root).fileName()));
+        EXPECT_EQ(leftovers({u"Movie.mkv"_s, u"Spanish.mkv"_s, u"empty.mkv"_s, u"file"_s}),
+                  QStringList());
+    }
+
+    // A name that looks like an option is a file after "--"; an output already there is replaced
+    // and the user is told so.
+    m_process.setProcessEnvironment(usual);
+    m_process.setWorkingDirectory(root);
+    QFile::rename(english, path(u"-trailer.mkv"_s));
+    MediaFixtures::writeFile(path(u"-trailer.es.mkv"_s), "old");
+    const Outcome dashed = run({u"--no-cache"_s, u"--"_s, u"-trailer.mkv"_s});
+    EXPECT_EQ(dashed.status, 0) << dashed.err.toStdString();
+    EXPECT_TRUE(dashed.out.contains(
+        u"Advertencias:\n    Ya existía «-trailer.es.mkv»: lo reemplacé por el nuevo.\n"_s))
+        << dashed.out.toStdString();
+    EXPECT_EQ(MediaFixtures::probeStreams(path(u"-trailer.es.mkv"_s)).size(), 4);
+}
+
 TEST_F(CliTest, RunsEveryVideoAndAFailureDoesNotStopTheRest) {
     const QString good = englishVideo(u"Good.mkv"_s);
     const Outcome outcome =

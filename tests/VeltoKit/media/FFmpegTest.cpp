@@ -168,9 +168,9 @@ TEST_F(FFmpegTest, Mp4TracksAreMovTextOnTheWayInAndOut) {
     EXPECT_EQ(readFile(srt), srtText(SubtitleRecipe().lines));
     // A copied SRT would be refused by MP4, whatever the case of the extension.
     const QString output = path(u"clip.es.MP4"_s);
-    tools().mux(source, srt, output, 1, {});
+    tools().mux(source, srt, output, 1, {.title = u"Español"_s});
     const SubtitleTrack added = tools().inspect(output).tracks.value(1);
-    EXPECT_EQ(added.codec + u' ' + added.language, u"mov_text spa"_s);
+    EXPECT_EQ(added.codec + u' ' + added.language + u' ' + added.title, u"mov_text spa Español"_s);
     EXPECT_EQ(probeStreams(output).size(), 4); // video, audio and both subtitles
 }
 
