@@ -72,9 +72,13 @@ void checkReadableFile(const QString& path) {
     if (!info.isReadable())
         throw FileError(QStringLiteral("No tengo permiso para leer ") + quoted(path) +
                         QStringLiteral("."));
+    // A pipe or a device would be read up by the probe and then found empty by the extraction.
     std::error_code error;
-    // A pipe has no size yet; only a regular file can be known to be empty.
-    if (std::filesystem::is_regular_file(path.toStdU16String(), error) && info.size() == 0)
+    if (!std::filesystem::is_regular_file(path.toStdU16String(), error))
+        throw FileError(quoted(path) + QStringLiteral(" no es un archivo común (es una tubería o "
+                                                      "un dispositivo). Elegí un archivo de "
+                                                      "video."));
+    if (info.size() == 0)
         throw FileError(
             quoted(path) +
             QStringLiteral(" está vacío (0 bytes): no es un video. Elegí otro archivo."));

@@ -111,6 +111,7 @@ TEST_F(FFmpegTest, LocatesBothToolsAndReportsWhatWentWrong) {
 TEST_F(FFmpegTest, SaysInItsOwnWordsWhatIsNoVideoAndTakesNamesThatLookLikeOptions) {
     writeFile(path(u"empty.mkv"_s), {});
     writeFile(path(u"notes.mkv"_s), "Esto no es un video.\n");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path(u"pipe.mkv"_s)).constData(), 0600), 0);
     writeVideo(path(u"-trailer.mkv"_s), {.subtitles = {{.language = u"eng"_s}}});
     const QString missing = path(u"missing.mkv"_s);
     const QList<std::pair<QString, std::string>> cases = {
@@ -123,6 +124,9 @@ TEST_F(FFmpegTest, SaysInItsOwnWordsWhatIsNoVideoAndTakesNamesThatLookLikeOption
          "«" + path(u"notes.mkv"_s).toStdString() +
              "» no es un video que pueda leer: su formato no se reconoce o el archivo está "
              "dañado. Elegí un archivo de video, por ejemplo un .mkv o un .mp4."},
+        {path(u"pipe.mkv"_s), "«" + path(u"pipe.mkv"_s).toStdString() +
+                                  "» no es un archivo común (es una tubería o un dispositivo). "
+                                  "Elegí un archivo de video."},
         {u"-trailer.mkv"_s, "no failure"},
     };
     const QString before = QDir::currentPath();
