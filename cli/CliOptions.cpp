@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include <QFileInfo>
+
 namespace velto::cli {
 namespace {
 
@@ -61,6 +63,11 @@ private:
             m_options.listTracks = true;
         else if (m_name == QStringLiteral("--json"))
             m_options.outputMode = OutputMode::json;
+        else if (QFileInfo::exists(argument))
+            throw UsageError{QStringLiteral("«") + argument +
+                             QStringLiteral("» parece un archivo. Para que no se lea como opción, "
+                                            "poné «--» antes: veltomkv-cli -- ") +
+                             argument};
         else
             throw UsageError{QStringLiteral("No conozco la opción «") + m_name +
                              QStringLiteral("».") + tryHelp()};

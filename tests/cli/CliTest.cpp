@@ -180,6 +180,9 @@ TEST_F(CliTest, RefusesWhatItCannotDoInItsOwnWordsAndLeavesNothing) {
     m_process.setWorkingDirectory(root);
     QFile::rename(english, path(u"-trailer.mkv"_s));
     MediaFixtures::writeFile(path(u"-trailer.es.mkv"_s), "old");
+    EXPECT_EQ(run({u"-trailer.mkv"_s}).err, u"«-trailer.mkv» parece un archivo. Para que no se "
+                                            "lea como opción, poné «--» antes: veltomkv-cli -- "
+                                            "-trailer.mkv\n"_s);
     const Outcome dashed = run({u"--no-cache"_s, u"--"_s, u"-trailer.mkv"_s});
     EXPECT_EQ(dashed.status, 0) << dashed.err.toStdString();
     EXPECT_TRUE(dashed.out.contains(
