@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QStorageInfo>
 #include <QStringList>
 #include <QUuid>
 
@@ -41,6 +42,19 @@ QString toolPath(const QString& path) {
     return QFileInfo(path).absoluteFilePath();
 }
 
+FileError diskFull(const QString& tool, const QString& folder) {
+    return FileError(QStringLiteral("Se llenó el disco de la carpeta ") + quoted(folder) +
+                     QStringLiteral(" mientras ") + tool +
+                     QStringLiteral(" escribía. Liberá espacio y probá de nuevo."));
+}
+
+// ffmpeg may end well with an empty file when the disk filled up as it closed it.
+bool looksFull(const QString& folder) {
+    constexpr qint64 nearlyNothing = 1 << 20;
+    const QStorageInfo storage(folder);
+    return storage.isValid() && storage.bytesAvailable() < nearlyNothing;
+}
+
 // Runs one of the two tools; a non-zero exit becomes "<tool> falló (código N):\n<stderr>".
 // `writing` is the folder the tool writes into, named when its disk fills up.
 ProcessResult runTool(const QString& tool, const QString& executable, const QStringList& arguments,
@@ -53,9 +67,7 @@ ProcessResult runTool(const QString& tool, const QString& executable, const QStr
     if (result.status == 0)
         return result;
     if (!writing.isEmpty() && result.standardError.contains(u"No space left on device"))
-        throw FileError(QStringLiteral("Se llenó el disco de la carpeta ") + quoted(writing) +
-                        QStringLiteral(" mientras ") + tool +
-                        QStringLiteral(" escribía. Liberá espacio y probá de nuevo."));
+        throw diskFull(tool, writing);
     throw ShellError::failed(tool, result.status,
                              Shell::lastLines(result.standardError.trimmed(), failureLines));
 }
@@ -241,6 +253,8 @@ QString FFmpeg::extract(const SubtitleTrack& track, const QString& source, const
     arguments << output;
     runTool(QStringLiteral("ffmpeg"), ffmpeg, arguments, std::move(stop), directory);
     // ffmpeg succeeds on a track without a single cue; the track is at fault, not the tool.
+    if (QFileInfo(output).size() <= 0 && looksFull(directory))
+        throw diskFull(QStringLiteral("ffmpeg"), directory);
     if (QFileInfo(output).size() <= 0)
         throw FileError(QStringLiteral("La pista #") + index +
                         QStringLiteral(" está vacía: no tiene ningún subtítulo para traducir. "
@@ -294,6 +308,8 @@ void FFmpeg::mux(const QString& source, const QString& subtitle, const QString& 
     try {
         runTool(QStringLiteral("ffmpeg"), ffmpeg, arguments, std::move(stop),
                 outputInfo.absolutePath());
+        if (QFileInfo(temporary).size() <= 0 && looksFull(outputInfo.absolutePath()))
+            throw diskFull(QStringLiteral("ffmpeg"), outputInfo.absolutePath());
         if (QFileInfo(temporary).size() <= 0)
             throw ShellError::failed(QStringLiteral("ffmpeg"), 1,
                                      QStringLiteral("El archivo de salida quedó vacío."));
