@@ -136,6 +136,10 @@ private:
     }
 
     void check() const {
+        if (m_options.videos.contains(QString())) {
+            throw UsageError{QStringLiteral("Uno de los videos llegó sin nombre («»). Revisá las "
+                                            "comillas del comando.")};
+        }
         if (m_options.videos.isEmpty()) {
             throw UsageError{
                 QStringLiteral("Falta el video. Usá: veltomkv-cli [opciones] VIDEO...") +

@@ -102,6 +102,8 @@ TEST_F(CliTest, BadUsageIsStatusTwoWithASpanishReason) {
     EXPECT_EQ(unknown.status, 2);
     EXPECT_EQ(unknown.err, u"No conozco la opción «--bogus». Probá «veltomkv-cli --help».\n"_s);
     EXPECT_EQ(run({}).status, 2);
+    EXPECT_EQ(run({u"a.mkv"_s, QString()}).err,
+              u"Uno de los videos llegó sin nombre («»). Revisá las comillas del comando.\n"_s);
     EXPECT_EQ(run({u"--batch-size"_s, u"cero"_s, u"a.mkv"_s}).err,
               u"«--batch-size» espera un número entero desde 1, no «cero».\n"_s);
     EXPECT_EQ(run({u"--output=x.mkv"_s, u"a.mkv"_s, u"b.mkv"_s}).err,
