@@ -17,7 +17,7 @@ void cancellableWait(std::chrono::seconds duration, std::stop_token stop) {
 void cancellableWaitHolding(std::chrono::seconds duration, std::stop_token stop,
                             std::unique_lock<std::mutex>& lock) {
     std::condition_variable_any woken;
-    woken.wait_for(lock, stop, duration, [] { return false; });
+    woken.wait_for(lock, std::move(stop), duration, [] { return false; });
 }
 
 } // namespace velto::Retry
