@@ -1,4 +1,5 @@
 #include <csignal>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
@@ -127,7 +128,7 @@ TEST_F(CliTest, RefusesWhatItCannotDoInItsOwnWordsAndLeavesNothing) {
         QString err;
         std::pair<QString, QString> environment = {};
     };
-    const QList<Case> cases = {
+    QList<Case> cases = {
         {{u"--list-tracks"_s, path(u"missing.mkv"_s)},
          u"No pude leer las pistas de missing.mkv:\nNo encuentro el video «%1/missing.mkv».\n"_s},
         {{u"--list-tracks"_s, root},
@@ -160,6 +161,15 @@ TEST_F(CliTest, RefusesWhatItCannotDoInItsOwnWordsAndLeavesNothing) {
          "carpeta. Revisá la variable TMPDIR.\n"_s,
          {u"TMPDIR"_s, path(u"gone"_s)}},
     };
+    // Root writes everywhere, so only others can meet a read-only folder.
+    QDir(root).mkdir(u"read-only"_s);
+    QFile::copy(english, path(u"read-only/Movie.mkv"_s));
+    QFile::setPermissions(path(u"read-only"_s), QFile::ReadOwner | QFile::ExeOwner);
+    if (::geteuid() != 0)
+        cases.append({{path(u"read-only/Movie.mkv"_s)},
+                      u"No se pudo traducir Movie.mkv:\nNo tengo permiso para escribir en la "
+                      "carpeta «%1/read-only». Elegí otra carpeta para guardar el resultado.\n"
+                      "Desde la terminal, elegí dónde guardarlo con --output ARCHIVO.\n"_s});
     const QProcessEnvironment usual = m_process.processEnvironment();
     for (const Case& refusal : cases) {
         SCOPED_TRACE(refusal.arguments.join(u' ').toStdString());
@@ -172,9 +182,14 @@ TEST_F(CliTest, RefusesWhatItCannotDoInItsOwnWordsAndLeavesNothing) {
         EXPECT_EQ(outcome.err, QString(refusal.err)
                                    .replace(u"%1"_s, root)
                                    .replace(u"%2"_s, QFileInfo(root).fileName()));
-        EXPECT_EQ(leftovers({u"Movie.mkv"_s, u"Spanish.mkv"_s, u"empty.mkv"_s, u"file"_s}),
+        EXPECT_EQ(leftovers({u"Movie.mkv"_s, u"Spanish.mkv"_s, u"empty.mkv"_s, u"file"_s,
+                             u"read-only"_s}),
                   QStringList());
     }
+    EXPECT_EQ(QDir(path(u"read-only"_s)).entryList(QDir::Files | QDir::Hidden),
+              QStringList{u"Movie.mkv"_s});
+    QFile::setPermissions(path(u"read-only"_s),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 
     // A name that looks like an option is a file after "--"; an output already there is replaced
     // and the user is told so.
