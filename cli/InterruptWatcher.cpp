@@ -112,9 +112,11 @@ void InterruptWatcher::watch() {
                 continue;
             return;
         }
-        if (watched[1].revents & (POLLERR | POLLHUP)) {
+        // An output closed before the start (POLLNVAL) is no reader leaving; it is just let be.
+        if (watched[1].revents & (POLLERR | POLLHUP | POLLNVAL)) {
             watched[1].fd = -1;
-            markOutputClosed();
+            if (!(watched[1].revents & POLLNVAL))
+                markOutputClosed();
         }
         char byte = 0;
         if (watched[0].revents & POLLIN) {
