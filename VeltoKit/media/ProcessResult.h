@@ -8,9 +8,10 @@ namespace velto {
 struct ProcessResult {
     // The exit code, or the signal's number when `killed`.
     int status = 0;
-    bool killed = false;
     QString standardOutput;
     QString standardError;
+    // Ended by a signal; last, so that {status, output, error} still builds one.
+    bool killed = false;
 };
 
 } // namespace velto

@@ -131,8 +131,8 @@ ProcessResult runWithEnvironment(const QString& executable, const QStringList& a
         }
     }
     throwIfStopped(stop);
-    return {exitStatus(process), killed(process), QString::fromUtf8(output),
-            QString::fromUtf8(error)};
+    return {exitStatus(process), QString::fromUtf8(output), QString::fromUtf8(error),
+            killed(process)};
 }
 
 } // namespace
