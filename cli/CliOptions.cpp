@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include <QFileInfo>
+
 #include "VeltoKit/engines/AnthropicBackend.h"
 #include "VeltoKit/providers/Provider.h"
 
@@ -68,6 +70,11 @@ private:
             m_options.check = true;
         else if (m_name == QStringLiteral("--json"))
             m_options.outputMode = OutputMode::json;
+        else if (QFileInfo::exists(argument))
+            throw UsageError{QStringLiteral("«") + argument +
+                             QStringLiteral("» parece un archivo. Para que no se lea como opción, "
+                                            "poné «--» antes: veltomkv-cli -- ") +
+                             argument};
         else
             throw UsageError{QStringLiteral("No conozco la opción «") + m_name +
                              QStringLiteral("».") + tryHelp()};
@@ -171,6 +178,10 @@ private:
     }
 
     void check() const {
+        if (m_options.videos.contains(QString())) {
+            throw UsageError{QStringLiteral("Uno de los videos llegó sin nombre («»). Revisá las "
+                                            "comillas del comando.")};
+        }
         const int commands =
             int(m_options.setKeyFor.has_value()) + int(m_options.listModels) + int(m_options.check);
         if (commands > 1) {
@@ -269,7 +280,8 @@ QString helpText() {
         "  veltomkv-cli --provider echo Pelicula.mkv\n"
         "\n"
         "Salida: 0 si todo salió bien, 1 si falló algún video (o el chequeo), 2 si las\n"
-        "opciones no son válidas y 130 si lo cancelaste con Ctrl-C.\n");
+        "opciones no son válidas y 130 si lo cancelaste con Ctrl-C.\n"
+        "Si se cierra la salida (por ejemplo, con | head), cancela, limpia y sale con 141.\n");
 }
 
 } // namespace velto::cli

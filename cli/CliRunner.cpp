@@ -5,19 +5,42 @@
 #include "VeltoKit/job/TranslationJob.h"
 #include "VeltoKit/media/MediaInfo.h"
 #include "cli/Reporter.h"
+#include "cli/TerminalText.h"
 
 namespace velto::cli {
 namespace {
 
-// The job's messages speak of the window's controls; this names the option that does the same.
-QString hintFor(const VeltoError& error) {
+struct Said {
+    QString message;
+    QString hint;
+};
+
+// The job's messages speak of the window's controls; here they name the options that do the same.
+Said forTerminal(const VeltoError& error) {
     const auto* refusal = dynamic_cast<const JobError*>(&error);
-    if (refusal && refusal->kind() == JobError::Kind::alreadySpanish)
-        return QStringLiteral("Desde la terminal, agregá --force.");
-    if (refusal && refusal->kind() == JobError::Kind::noSourceTrack)
-        return QStringLiteral("Desde la terminal, elegí la pista con --track N (mirá los números "
-                              "con --list-tracks).");
-    return {};
+    switch (refusal ? refusal->kind() : JobError::Kind::badOptions) {
+    case JobError::Kind::alreadySpanish:
+        return {QStringLiteral("El archivo ya tiene subtítulos en español. Agregá --force si "
+                               "querés traducirlo de todos modos."),
+                {}};
+    case JobError::Kind::noSourceTrack:
+        return {error.description(),
+                QStringLiteral("Desde la terminal, elegí la pista con --track N (mirá los números "
+                               "con --list-tracks).")};
+    case JobError::Kind::outputFolderReadOnly:
+        return {error.description(),
+                QStringLiteral("Desde la terminal, elegí dónde guardarlo con --output ARCHIVO.")};
+    case JobError::Kind::cacheUnavailable:
+        return {error.description(),
+                QStringLiteral("Desde la terminal, agregá --no-cache para traducir sin caché.")};
+    default:
+        return {error.description(), {}};
+    }
+}
+
+// A Ctrl-C and a reader that went away both cancel; they end with different statuses.
+int cancelStatus() {
+    return outputClosed() ? outputGone : interrupted;
 }
 
 } // namespace
@@ -39,13 +62,18 @@ int CliRunner::run(std::stop_token stop, const std::function<bool()>& wasInterru
             runOne(video, stop);
         } catch (const Cancelled&) {
             m_reporter.cancelled(video);
-            return interrupted;
+            return cancelStatus();
         } catch (const VeltoError& error) {
             if (wasInterrupted()) {
                 m_reporter.cancelled(video);
-                return interrupted;
+                return cancelStatus();
             }
-            m_reporter.failed(video, error.description(), hintFor(error));
+            if (m_options.listTracks) {
+                m_reporter.listingFailed(video, error.description());
+            } else {
+                const Said said = forTerminal(error);
+                m_reporter.failed(video, said.message, said.hint);
+            }
             status = jobFailed;
         } catch (const std::exception& error) {
             m_reporter.failed(video,

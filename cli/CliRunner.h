@@ -18,7 +18,14 @@ namespace velto::cli {
 class Reporter;
 
 // Exit statuses of the command line.
-enum ExitStatus : int { success = 0, jobFailed = 1, badUsage = 2, interrupted = 130 };
+// A closed reader ends the run as SIGPIPE would have, after the clean-up.
+enum ExitStatus : int {
+    success = 0,
+    jobFailed = 1,
+    badUsage = 2,
+    interrupted = 130,
+    outputGone = 141
+};
 
 // Runs the videos one after another; a failure of one does not stop the rest, a cancel stops
 // everything.

@@ -75,7 +75,7 @@ void HumanReporter::drawStatusLine() {
 }
 
 QString HumanReporter::statusLine(const JobUpdate& update) const {
-    QStringList pieces{label(update.stage)};
+    QStringList pieces{label(update)};
     if (m_redraw && update.progress && update.stage != JobStage::done)
         pieces.append(bar(*update.progress));
     if (!update.detail.isEmpty())
@@ -139,10 +139,19 @@ void HumanReporter::failed(const QString& video, const QString& message, const Q
     writeText(m_err, text);
 }
 
+void HumanReporter::listingFailed(const QString& video, const QString& message) {
+    const std::lock_guard lock(m_mutex);
+    writeText(m_err, QStringLiteral("No pude leer las pistas de ") + QFileInfo(video).fileName() +
+                         QStringLiteral(":\n") + message + u'\n');
+}
+
 void HumanReporter::cancelled(const QString& video) {
     const std::lock_guard lock(m_mutex);
     clearStatusLine();
     std::fflush(m_out);
+    // The reader left on purpose (`| head`): nothing to tell.
+    if (outputClosed())
+        return;
     writeText(m_err, QStringLiteral("Cancelado: ") + QFileInfo(video).fileName() +
                          QStringLiteral(". No quedó ningún archivo a medio escribir.\n"));
 }

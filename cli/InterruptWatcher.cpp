@@ -3,9 +3,14 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "VeltoKit/core/Leftovers.h"
+#include "cli/TerminalText.h"
+
 #if defined(_WIN32)
 #include <windows.h>
 #else
+#include <cerrno>
+#include <poll.h>
 #include <unistd.h>
 #endif
 
@@ -30,10 +35,17 @@ extern "C" void onSignal(int) {
 } // namespace
 
 void InterruptWatcher::interrupt() {
-    // The second Ctrl-C is someone who does not want to wait for the clean-up.
-    if (m_interrupted.exchange(true))
+    // The second Ctrl-C is someone who does not want to wait for the tools to wind down.
+    if (m_interrupted.exchange(true)) {
+        Leftovers::removeNow();
         std::_Exit(130);
+    }
     m_onInterrupt();
+}
+
+void InterruptWatcher::outputClosed() {
+    if (!m_interrupted.exchange(true))
+        m_onInterrupt();
 }
 
 #if defined(_WIN32)
@@ -67,28 +79,52 @@ InterruptWatcher::InterruptWatcher(std::function<void()> onInterrupt)
     struct sigaction action = {};
     action.sa_handler = onSignal;
     sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP})
+        sigaction(signalNumber, &action, nullptr);
+    // A closed reader then shows up as a failed write, which cancels like Ctrl-C, instead of
+    // killing the process before it removed its files.
+    signal(SIGPIPE, SIG_IGN);
+    onClosedOutput([this] { outputClosed(); });
     m_thread = std::thread([this] { watch(); });
 }
 
 InterruptWatcher::~InterruptWatcher() {
     if (!m_thread.joinable())
         return;
-    signal(SIGINT, SIG_DFL);
-    signal(SIGTERM, SIG_DFL);
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP})
+        signal(signalNumber, SIG_DFL);
     const char byte = quitByte;
     [[maybe_unused]] const auto written = write(g_pipe[1], &byte, 1);
     m_thread.join();
+    onClosedOutput({});
     close(g_pipe[0]);
     close(g_pipe[1]);
     g_watcher = nullptr;
 }
 
 void InterruptWatcher::watch() {
-    char byte = 0;
-    while (read(g_pipe[0], &byte, 1) == 1 && byte == interruptByte)
-        interrupt();
+    // Standard output is watched too: a reader that quits in the middle of a long mux is heard
+    // at once, not at the next line written.
+    pollfd watched[] = {{g_pipe[0], POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
+    while (true) {
+        if (poll(watched, 2, -1) < 0) {
+            if (errno == EINTR)
+                continue;
+            return;
+        }
+        // An output closed before the start (POLLNVAL) is no reader leaving; it is just let be.
+        if (watched[1].revents & (POLLERR | POLLHUP | POLLNVAL)) {
+            watched[1].fd = -1;
+            if (!(watched[1].revents & POLLNVAL))
+                markOutputClosed();
+        }
+        char byte = 0;
+        if (watched[0].revents & POLLIN) {
+            if (read(g_pipe[0], &byte, 1) != 1 || byte != interruptByte)
+                return;
+            interrupt();
+        }
+    }
 }
 
 #endif

@@ -6,8 +6,10 @@
 
 namespace velto::cli {
 
-// Turns Ctrl-C (SIGINT, and SIGTERM) into a call of `onInterrupt` on a thread of its own, so
-// the job can be cancelled cleanly; a second Ctrl-C ends the process at once. One per process.
+// Turns Ctrl-C (SIGINT, and SIGTERM, SIGHUP) into a call of `onInterrupt` on a thread of its
+// own, so the job can be cancelled cleanly; a second one ends the process at once, still taking
+// away what the job had on disk. A reader that closed the output cancels the same way. One per
+// process.
 class InterruptWatcher {
 public:
     explicit InterruptWatcher(std::function<void()> onInterrupt);
@@ -20,6 +22,7 @@ public:
 private:
     void watch();
     void interrupt();
+    void outputClosed();
 #if defined(_WIN32)
     static int __stdcall onConsoleEvent(unsigned long event);
 #endif

@@ -45,7 +45,7 @@ void JsonReporter::started(const QString& video) {
 void JsonReporter::update(const JobUpdate& update) {
     QJsonObject object{
         {QStringLiteral("stage"), caseName(update.stage)},
-        {QStringLiteral("label"), label(update.stage)},
+        {QStringLiteral("label"), label(update)},
         {QStringLiteral("detail"), update.detail},
     };
     if (update.progress)
@@ -77,6 +77,10 @@ void JsonReporter::failed(const QString&, const QString& message, const QString&
         object.insert(QStringLiteral("hint"), hint);
     print(QStringLiteral("error"), object);
     writeText(m_err, message + u'\n');
+}
+
+void JsonReporter::listingFailed(const QString& video, const QString& message) {
+    failed(video, message, QString());
 }
 
 void JsonReporter::cancelled(const QString&) {

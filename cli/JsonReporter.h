@@ -20,6 +20,7 @@ public:
     void tracks(const QString& video, const MediaInfo& info) override;
     void finished(const QString& video, const JobResult& result) override;
     void failed(const QString& video, const QString& message, const QString& hint) override;
+    void listingFailed(const QString& video, const QString& message) override;
     void cancelled(const QString& video) override;
 
 private:

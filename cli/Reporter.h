@@ -22,6 +22,8 @@ public:
     virtual void finished(const QString& video, const JobResult& result) = 0;
     // `hint` says what to do about it from the command line; may be empty.
     virtual void failed(const QString& video, const QString& message, const QString& hint) = 0;
+    // Only the listing of its tracks was asked, and the video could not be read.
+    virtual void listingFailed(const QString& video, const QString& message) = 0;
     virtual void cancelled(const QString& video) = 0;
 };
 

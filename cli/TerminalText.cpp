@@ -1,5 +1,8 @@
 #include "cli/TerminalText.h"
 
+#include <atomic>
+#include <cerrno>
+
 #include <QByteArray>
 
 #if defined(Q_OS_WIN)
@@ -11,9 +14,40 @@
 
 namespace velto::cli {
 
+namespace {
+
+std::atomic<bool> g_closed = false;
+
+std::function<void()>& closedHandler() {
+    static std::function<void()> handler;
+    return handler;
+}
+
+} // namespace
+
+void onClosedOutput(std::function<void()> handler) {
+    closedHandler() = std::move(handler);
+}
+
+void markOutputClosed() {
+    if (!g_closed.exchange(true) && closedHandler())
+        closedHandler()();
+}
+
+bool outputClosed() {
+    return g_closed.load();
+}
+
 void writeText(FILE* stream, const QString& text) {
+    if (g_closed.load())
+        return;
     const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);
+    const size_t size = static_cast<size_t>(bytes.size());
+    errno = 0;
+    if ((std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0) ||
+        errno != EPIPE)
+        return;
+    markOutputClosed();
 }
 
 bool isTerminal(FILE* stream) {

@@ -80,6 +80,12 @@ std::optional<QString> preferredBinary(const QString& preferredPath) {
 }
 
 TranslationError exitFailure(const ProcessResult& result) {
+    // A signal's number is no exit code, and a killed program leaves no detail to quote.
+    if (result.killed) {
+        return {QStringLiteral("claude se cortó antes de terminar: lo detuvo la señal ") +
+                    QString::number(result.status) + u'.',
+                false};
+    }
     const QString& output =
         result.standardError.isEmpty() ? result.standardOutput : result.standardError;
     const QString detail = output.trimmed().left(detailLimit);

@@ -1,7 +1,6 @@
 #include "VeltoKit/engines/Retry.h"
 
 #include <condition_variable>
-#include <mutex>
 
 namespace velto::Retry {
 
@@ -11,9 +10,14 @@ std::chrono::seconds backoffDelay(int attempt) {
 
 void cancellableWait(std::chrono::seconds duration, std::stop_token stop) {
     std::mutex mutex;
-    std::condition_variable_any woken;
     std::unique_lock lock(mutex);
-    woken.wait_for(lock, stop, duration, [] { return false; });
+    cancellableWaitHolding(duration, std::move(stop), lock);
+}
+
+void cancellableWaitHolding(std::chrono::seconds duration, std::stop_token stop,
+                            std::unique_lock<std::mutex>& lock) {
+    std::condition_variable_any woken;
+    woken.wait_for(lock, std::move(stop), duration, [] { return false; });
 }
 
 } // namespace velto::Retry

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <exception>
 #include <functional>
+#include <mutex>
 #include <stop_token>
 
 #include "VeltoKit/translation/TranslationError.h"
@@ -15,6 +16,10 @@ using Wait = std::function<void(std::chrono::seconds, std::stop_token)>;
 
 // Sleeps, waking early when a stop is requested.
 void cancellableWait(std::chrono::seconds duration, std::stop_token stop);
+// The same wait on the caller's locked mutex, released while asleep: whoever takes the mutex
+// and then requests the stop knows the wait was already under way.
+void cancellableWaitHolding(std::chrono::seconds duration, std::stop_token stop,
+                            std::unique_lock<std::mutex>& lock);
 
 // The pause after the failure of attempt number `attempt` (0-based): 1, 2, 4, 8, 16, 16... s.
 std::chrono::seconds backoffDelay(int attempt);

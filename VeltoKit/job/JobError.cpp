@@ -1,5 +1,7 @@
 #include "VeltoKit/job/JobError.h"
 
+#include <QDir>
+
 namespace velto {
 
 JobError::JobError(Kind kind, QString description)
@@ -29,6 +31,29 @@ JobError JobError::alreadySpanish() {
 JobError JobError::sameInputOutput() {
     return JobError(Kind::sameInputOutput,
                     QStringLiteral("La salida no puede ser el mismo archivo que la entrada."));
+}
+
+JobError JobError::badOptions(const QString& message) {
+    return JobError(Kind::badOptions, message);
+}
+
+JobError JobError::badOutput(const QString& message) {
+    return JobError(Kind::badOutput, message);
+}
+
+JobError JobError::outputFolderReadOnly(const QString& folder) {
+    return JobError(Kind::outputFolderReadOnly,
+                    QStringLiteral("No tengo permiso para escribir en la carpeta «") +
+                        QDir::toNativeSeparators(folder) +
+                        QStringLiteral("». Elegí otra carpeta para guardar el resultado."));
+}
+
+JobError JobError::cacheUnavailable(const QString& folder) {
+    return JobError(Kind::cacheUnavailable,
+                    QStringLiteral("No puedo guardar el caché de traducciones en «") +
+                        QDir::toNativeSeparators(folder) +
+                        QStringLiteral("». Revisá los permisos de esa carpeta o desactivá el "
+                                       "caché."));
 }
 
 } // namespace velto

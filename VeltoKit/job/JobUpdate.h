@@ -17,4 +17,8 @@ struct JobUpdate {
     std::optional<double> progress;
 };
 
+// The stage's label for this update: the muxing stage names the container actually written
+// ("Escribiendo el MP4"), which its fixed label calls MKV.
+QString label(const JobUpdate& update);
+
 } // namespace velto

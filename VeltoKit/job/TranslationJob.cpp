@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QTemporaryFile>
 
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/job/JobError.h"
@@ -31,6 +32,12 @@ bool sameFile(const QString& a, const QString& b) {
     // Also catches two spellings of one existing file through links.
     const QString canonicalA = QFileInfo(a).canonicalFilePath();
     return !canonicalA.isEmpty() && canonicalA == QFileInfo(b).canonicalFilePath();
+}
+
+// Tried rather than judged from permission bits, which root, ACLs and read-only disks defy.
+bool canCreateFilesIn(const QString& folder) {
+    QTemporaryFile probe(QDir(folder).filePath(QStringLiteral(".veltomkv-probe-XXXXXX")));
+    return probe.open();
 }
 
 QString imageCodecList(const MediaInfo& info) {
@@ -72,15 +79,14 @@ public:
     }
 
     JobResult run() {
+        checkOptions();
         report(JobStage::analyzing, QFileInfo(m_source).fileName());
-        checkSourceIsReadable();
         m_info = m_ffmpeg.inspect(m_source, m_stop);
         const SubtitleTrack track = chooseTrack();
-        m_output = m_options.outputURL.value_or(
-            TranslationJob::defaultOutputURL(m_source, QStringLiteral(".es")));
-        if (sameFile(m_output, m_source))
-            throw JobError::sameInputOutput();
+        m_output = chooseOutput();
         checkOutputFolder();
+        if (m_options.useCache)
+            checkCacheFolder();
 
         const WorkingDirectory work;
         auto document = extract(track, work);
@@ -92,6 +98,10 @@ public:
         const QStringList translations = translate(*document, track);
         const QString subtitle = rebuild(*document, translations, work);
         report(JobStage::muxing, QFileInfo(m_output).fileName());
+        if (QFileInfo::exists(m_output))
+            m_result.warnings.append(QStringLiteral("Ya existía «") +
+                                     QDir::toNativeSeparators(m_output) +
+                                     QStringLiteral("»: lo reemplacé por el nuevo."));
         m_ffmpeg.mux(m_source, subtitle, m_output, m_info.tracks.size(), muxOptions(), m_stop);
         report(JobStage::verifying, QString());
         m_result.finalTracks = m_ffmpeg.inspect(m_output, m_stop).tracks;
@@ -107,35 +117,53 @@ private:
             m_onUpdate(JobUpdate{stage, detail, progress});
     }
 
-    // ffprobe would say the same in English, after a start-up; this says it in the user's words.
-    void checkSourceIsReadable() const {
-        const QFileInfo info(m_source);
-        const QString name = QDir::toNativeSeparators(m_source);
-        if (!info.exists())
-            throw FileError(QStringLiteral("No encuentro el video «") + name +
-                            QStringLiteral("»."));
-        if (info.isDir()) {
-            throw FileError(QStringLiteral("«") + name +
-                            QStringLiteral("» es una carpeta. Elegí un archivo de video."));
-        }
-        if (!info.isReadable()) {
-            throw FileError(QStringLiteral("No tengo permiso para leer «") + name +
-                            QStringLiteral("»."));
-        }
+    // The translator would refuse these in English, after the file was already probed.
+    void checkOptions() const {
+        const auto refuse = [](const QString& what, qint64 value) {
+            throw JobError::badOptions(what + QStringLiteral(" (llegó ") + QString::number(value) +
+                                       QStringLiteral(")."));
+        };
+        if (m_options.batchSize < 1)
+            refuse(QStringLiteral("Cada pedido al motor tiene que llevar al menos 1 subtítulo"),
+                   m_options.batchSize);
+        if (m_options.concurrency < 1)
+            refuse(QStringLiteral("Hace falta al menos 1 pedido al motor a la vez"),
+                   m_options.concurrency);
+        if (m_options.contextLines < 0)
+            refuse(QStringLiteral("Las líneas de contexto no pueden ser menos de 0"),
+                   m_options.contextLines);
     }
 
-    // Found out now rather than after the whole translation was paid for.
+    // Refused now rather than after the whole translation was paid for.
+    QString chooseOutput() const {
+        QString output = m_options.outputURL.value_or(
+            TranslationJob::defaultOutputURL(m_source, QStringLiteral(".es")));
+        // A source in a container the mux cannot write (.avi, .webm) still gets a copy: an MKV.
+        if (!m_options.outputURL && FFmpeg::outputProblem(output, MediaInfo{})) {
+            output.chop(QFileInfo(output).suffix().size());
+            output += QStringLiteral("mkv");
+        }
+        if (sameFile(output, m_source))
+            throw JobError::sameInputOutput();
+        if (const auto problem = FFmpeg::outputProblem(output, m_info))
+            throw JobError::badOutput(*problem);
+        return output;
+    }
+
     void checkOutputFolder() const {
-        const QFileInfo folder(QFileInfo(m_output).absolutePath());
-        const QString name = QDir::toNativeSeparators(folder.filePath());
-        if (!folder.isDir()) {
-            throw FileError(QStringLiteral("La carpeta de salida «") + name +
-                            QStringLiteral("» no existe."));
+        const QString folder = QFileInfo(m_output).absolutePath();
+        if (!QFileInfo(folder).isDir()) {
+            throw FileError(QStringLiteral("La carpeta de salida «") +
+                            QDir::toNativeSeparators(folder) + QStringLiteral("» no existe."));
         }
-        if (!folder.isWritable()) {
-            throw FileError(QStringLiteral("No tengo permiso para escribir en la carpeta «") +
-                            name + QStringLiteral("»."));
-        }
+        if (!canCreateFilesIn(folder))
+            throw JobError::outputFolderReadOnly(folder);
+    }
+
+    // The cache is written after every batch; a folder that refuses it would fail silently.
+    void checkCacheFolder() const {
+        if (!QDir().mkpath(m_cacheDirectory) || !canCreateFilesIn(m_cacheDirectory))
+            throw JobError::cacheUnavailable(m_cacheDirectory);
     }
 
     SubtitleTrack chooseTrack() const {
@@ -202,10 +230,6 @@ private:
     std::shared_ptr<TranslationCache> openCache() const {
         if (!m_options.useCache)
             return nullptr;
-        if (!QDir().mkpath(m_cacheDirectory)) {
-            throw FileError(QStringLiteral("No pude crear la carpeta del caché de traducciones «") +
-                            QDir::toNativeSeparators(m_cacheDirectory) + QStringLiteral("»."));
-        }
         QString name = QFileInfo(m_source).completeBaseName();
         name.replace(u'/', u'_');
         return std::make_shared<TranslationCache>(

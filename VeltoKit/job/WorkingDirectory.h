@@ -1,6 +1,10 @@
 #pragma once
 
+#include <memory>
+
 #include <QString>
+
+#include "VeltoKit/core/Leftovers.h"
 
 namespace velto {
 
@@ -19,6 +23,7 @@ public:
 
 private:
     QString m_path;
+    std::unique_ptr<Leftovers::Path> m_listed;
 };
 
 } // namespace velto

@@ -6,9 +6,11 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QStorageInfo>
 #include <QStringList>
 #include <QUuid>
 
+#include "VeltoKit/core/Leftovers.h"
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/media/Shell.h"
 #include "VeltoKit/media/ShellError.h"
@@ -31,16 +33,67 @@ QString expandTilde(const QString& path) {
     return path;
 }
 
+QString quoted(const QString& path) {
+    return QStringLiteral("«") + QDir::toNativeSeparators(path) + QStringLiteral("»");
+}
+
+// An absolute path never reads as an option ("-trailer.mkv") or a protocol ("concat:a").
+QString toolPath(const QString& path) {
+    return QFileInfo(path).absoluteFilePath();
+}
+
+FileError diskFull(const QString& tool, const QString& folder) {
+    return FileError(QStringLiteral("Se llenó el disco de la carpeta ") + quoted(folder) +
+                     QStringLiteral(" mientras ") + tool +
+                     QStringLiteral(" escribía. Liberá espacio y probá de nuevo."));
+}
+
+// ffmpeg may end well with an empty file when the disk filled up as it closed it.
+bool looksFull(const QString& folder) {
+    constexpr qint64 nearlyNothing = 1 << 20;
+    const QStorageInfo storage(folder);
+    return storage.isValid() && storage.bytesAvailable() < nearlyNothing;
+}
+
 // Runs one of the two tools; a non-zero exit becomes "<tool> falló (código N):\n<stderr>".
+// `writing` is the folder the tool writes into, named when its disk fills up.
 ProcessResult runTool(const QString& tool, const QString& executable, const QStringList& arguments,
-                      std::stop_token stop) {
+                      std::stop_token stop, const QString& writing = {}) {
     if (executable.isEmpty())
         throw ShellError::notFound(tool);
     ProcessResult result = Shell::run(executable, arguments, {}, std::move(stop));
-    if (result.status != 0)
-        throw ShellError::failed(tool, result.status,
-                                 Shell::lastLines(result.standardError.trimmed(), failureLines));
-    return result;
+    if (result.killed)
+        throw ShellError::killed(tool, result.status);
+    if (result.status == 0)
+        return result;
+    if (!writing.isEmpty() && result.standardError.contains(u"No space left on device"))
+        throw diskFull(tool, writing);
+    throw ShellError::failed(tool, result.status,
+                             Shell::lastLines(result.standardError.trimmed(), failureLines));
+}
+
+// Said in the user's words before ffprobe starts, which would say it in English.
+void checkReadableFile(const QString& path) {
+    const QFileInfo info(path);
+    if (!info.exists())
+        throw FileError(QStringLiteral("No encuentro el video ") + quoted(path) +
+                        QStringLiteral("."));
+    if (info.isDir())
+        throw FileError(quoted(path) +
+                        QStringLiteral(" es una carpeta. Elegí un archivo de video."));
+    if (!info.isReadable())
+        throw FileError(QStringLiteral("No tengo permiso para leer ") + quoted(path) +
+                        QStringLiteral("."));
+    // A pipe or a device would be read up by the probe and then found empty by the extraction.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path.toStdU16String(), error))
+        throw FileError(quoted(path) + QStringLiteral(" no es un archivo común (es una tubería o "
+                                                      "un dispositivo). Elegí un archivo de "
+                                                      "video."));
+    if (info.size() == 0)
+        throw FileError(
+            quoted(path) +
+            QStringLiteral(" está vacío (0 bytes): no es un video. Elegí otro archivo."));
 }
 
 bool copiesAsIs(const QString& codec) {
@@ -54,6 +107,15 @@ bool needsMovText(const QFileInfo& output) {
     static const QStringList suffixes = {QStringLiteral("mp4"), QStringLiteral("mov"),
                                          QStringLiteral("m4v")};
     return suffixes.contains(output.suffix().toLower());
+}
+
+bool isMatroska(const QFileInfo& output) {
+    const QString suffix = output.suffix().toLower();
+    return suffix == u"mkv" || suffix == u"mk3d";
+}
+
+QString containerList() {
+    return QStringLiteral(".mkv, .mp4, .m4v o .mov");
 }
 
 bool sameFile(const QString& a, const QString& b) {
@@ -102,6 +164,10 @@ QStringList muxArguments(const QString& source, const QString& subtitle, const Q
     arguments << QStringLiteral("-metadata:s:s:") + n
               << QStringLiteral("language=") + options.language
               << QStringLiteral("-metadata:s:s:") + n << QStringLiteral("title=") + options.title;
+    // MP4 keeps no track title; its handler name is where players and probes look instead.
+    if (movText)
+        arguments << QStringLiteral("-metadata:s:s:") + n
+                  << QStringLiteral("handler_name=") + options.title;
     if (options.makeDefault) {
         for (qint64 i = 0; i < existingSubtitleCount; ++i)
             arguments << QStringLiteral("-disposition:s:") + QString::number(i)
@@ -142,14 +208,26 @@ QString FFmpeg::version(std::stop_token stop) const {
 }
 
 MediaInfo FFmpeg::inspect(const QString& path, std::stop_token stop) const {
+    checkReadableFile(path);
     const QStringList arguments = {
         QStringLiteral("-v"),   QStringLiteral("error"),         QStringLiteral("-print_format"),
         QStringLiteral("json"), QStringLiteral("-show_streams"), QStringLiteral("-select_streams"),
-        QStringLiteral("s"),    QStringLiteral("-show_format"),  path,
+        QStringLiteral("s"),    QStringLiteral("-show_format"),  toolPath(path),
     };
-    const ProcessResult result =
-        runTool(QStringLiteral("ffprobe"), ffprobe, arguments, std::move(stop));
-    return MediaInfo::fromProbeJson(path, result.standardOutput.toUtf8());
+    try {
+        const ProcessResult result =
+            runTool(QStringLiteral("ffprobe"), ffprobe, arguments, std::move(stop));
+        return MediaInfo::fromProbeJson(path, result.standardOutput.toUtf8());
+    } catch (const ShellError& error) {
+        // ffprobe's word for "no container I know" (a text file, a truncated download...).
+        if (error.kind() == ShellError::Kind::failed &&
+            error.description().contains(u"Invalid data found when processing input"))
+            throw FileError(quoted(path) +
+                            QStringLiteral(" no es un video que pueda leer: su formato no se "
+                                           "reconoce o el archivo está dañado. Elegí un archivo de "
+                                           "video, por ejemplo un .mkv o un .mp4."));
+        throw;
+    }
 }
 
 QString FFmpeg::extract(const SubtitleTrack& track, const QString& source, const QString& directory,
@@ -166,22 +244,54 @@ QString FFmpeg::extract(const SubtitleTrack& track, const QString& source, const
     QString output =
         QDir(directory).filePath(QStringLiteral("source_") + index +
                                  (ass ? QStringLiteral(".ass") : QStringLiteral(".srt")));
-    QStringList arguments = {QStringLiteral("-y"),
-                             QStringLiteral("-v"),
-                             QStringLiteral("error"),
-                             QStringLiteral("-i"),
-                             source,
-                             QStringLiteral("-map"),
-                             QStringLiteral("0:") + index};
+    QStringList arguments = {
+        QStringLiteral("-y"),        QStringLiteral("-v"), QStringLiteral("error"),
+        QStringLiteral("-i"),        toolPath(source),     QStringLiteral("-map"),
+        QStringLiteral("0:") + index};
     if (copiesAsIs(track.codec))
         arguments << QStringLiteral("-c:s") << QStringLiteral("copy");
     arguments << output;
-    runTool(QStringLiteral("ffmpeg"), ffmpeg, arguments, std::move(stop));
+    runTool(QStringLiteral("ffmpeg"), ffmpeg, arguments, std::move(stop), directory);
+    // ffmpeg succeeds on a track without a single cue; the track is at fault, not the tool.
+    if (QFileInfo(output).size() <= 0 && looksFull(directory))
+        throw diskFull(QStringLiteral("ffmpeg"), directory);
     if (QFileInfo(output).size() <= 0)
-        throw ShellError::failed(QStringLiteral("ffmpeg"), 1,
-                                 QStringLiteral("La extracción de la pista #") + index +
-                                     QStringLiteral(" salió vacía."));
+        throw FileError(QStringLiteral("La pista #") + index +
+                        QStringLiteral(" está vacía: no tiene ningún subtítulo para traducir. "
+                                       "Elegí otra pista."));
     return output;
+}
+
+std::optional<QString> FFmpeg::outputProblem(const QString& output, const MediaInfo& source) {
+    const QFileInfo info(output);
+    if (info.isDir())
+        return quoted(output) +
+               QStringLiteral(" es una carpeta. Indicá también el nombre del "
+                              "archivo a escribir en ella, terminado en ") +
+               containerList() + u'.';
+    const QString suffix = info.suffix();
+    if (suffix.isEmpty())
+        return QStringLiteral("A ") + quoted(output) +
+               QStringLiteral(" le falta la extensión: terminá el nombre en ") + containerList() +
+               u'.';
+    const bool movText = needsMovText(info);
+    if (!movText && !isMatroska(info))
+        return QStringLiteral("No puedo escribir un video «.") + suffix +
+               QStringLiteral("»: terminá el nombre en ") + containerList() + u'.';
+    QStringList refused;
+    for (const SubtitleTrack& track : source.tracks) {
+        if ((track.codec == u"mov_text") != movText && !refused.contains(track.codec))
+            refused.append(track.codec);
+    }
+    if (refused.isEmpty())
+        return std::nullopt;
+    if (!movText)
+        return QStringLiteral("Un «.") + suffix +
+               QStringLiteral("» no puede guardar las pistas mov_text de este video. Guardá el "
+                              "resultado como .mp4.");
+    return QStringLiteral("Un «.") + suffix +
+           QStringLiteral("» solo guarda subtítulos mov_text y este video trae pistas ") +
+           refused.join(QStringLiteral(", ")) + QStringLiteral(". Guardá el resultado como .mkv.");
 }
 
 void FFmpeg::mux(const QString& source, const QString& subtitle, const QString& output,
@@ -191,10 +301,15 @@ void FFmpeg::mux(const QString& source, const QString& subtitle, const QString& 
         throw FileError(QStringLiteral("La salida no puede ser el mismo archivo que la entrada."));
     const QFileInfo outputInfo(output);
     const QString temporary = temporaryPathBeside(outputInfo);
-    const QStringList arguments = muxArguments(source, subtitle, temporary, existingSubtitleCount,
-                                               options, needsMovText(outputInfo));
+    const QStringList arguments =
+        muxArguments(toolPath(source), toolPath(subtitle), temporary, existingSubtitleCount,
+                     options, needsMovText(outputInfo));
+    const Leftovers::Path listed(temporary);
     try {
-        runTool(QStringLiteral("ffmpeg"), ffmpeg, arguments, std::move(stop));
+        runTool(QStringLiteral("ffmpeg"), ffmpeg, arguments, std::move(stop),
+                outputInfo.absolutePath());
+        if (QFileInfo(temporary).size() <= 0 && looksFull(outputInfo.absolutePath()))
+            throw diskFull(QStringLiteral("ffmpeg"), outputInfo.absolutePath());
         if (QFileInfo(temporary).size() <= 0)
             throw ShellError::failed(QStringLiteral("ffmpeg"), 1,
                                      QStringLiteral("El archivo de salida quedó vacío."));

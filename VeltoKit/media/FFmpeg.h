@@ -32,6 +32,11 @@ struct FFmpeg {
     QString extract(const SubtitleTrack& track, const QString& source, const QString& directory,
                     std::stop_token stop = {}) const;
 
+    // Why `output` cannot receive a copy of the file `source` describes, in the user's words:
+    // a folder, no extension, a container the mux does not write, or one that cannot hold the
+    // source's subtitle tracks as they are. None when the mux can write it.
+    static std::optional<QString> outputProblem(const QString& output, const MediaInfo& source);
+
     // Writes `output`: every stream, chapter and tag of `source` copied, plus `subtitle` as one
     // more subtitle track (numbered `existingSubtitleCount` among the subtitle streams). The
     // file is written under a hidden temporary name beside `output` and renamed into place

@@ -66,6 +66,13 @@ SubtitleTrack trackFromStream(const QJsonObject& stream, qint64 relativeIndex) {
     track.relativeIndex = relativeIndex;
     track.codec = stream.value(u"codec_name").toString(QStringLiteral("unknown"));
     track.title = tag(tags, u"title").value_or(QString());
+    // MP4 has no track title: its handler name carries it, unless it is a tool's default.
+    static const QStringList defaultHandlers = {
+        QStringLiteral("SubtitleHandler"), QStringLiteral("Core Media Text"),
+        QStringLiteral("TextHandler"), QStringLiteral("Subtitle"), QStringLiteral("Text")};
+    if (const auto handler = tag(tags, u"handler_name");
+        track.title.isEmpty() && handler && !defaultHandlers.contains(handler->trimmed()))
+        track.title = handler->trimmed();
     track.rawLanguage = tag(tags, u"language").value_or(QString());
     track.language = Languages::normalize(track.rawLanguage);
     if (track.language == u"und")

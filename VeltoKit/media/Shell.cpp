@@ -12,6 +12,7 @@
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 
+#include "VeltoKit/core/Leftovers.h"
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/media/ShellError.h"
 
@@ -85,6 +86,10 @@ int exitStatus(const QProcess& process) {
     return process.exitCode() != 0 ? process.exitCode() : -1;
 }
 
+bool killed(const QProcess& process) {
+    return process.exitStatus() == QProcess::CrashExit;
+}
+
 void start(QProcess& process, const QString& executable, const QStringList& arguments,
            const ShellRunOptions& options, const QProcessEnvironment& environment) {
     process.setProgram(executable);
@@ -123,6 +128,7 @@ ProcessResult runWithEnvironment(const QString& executable, const QStringList& a
     throwIfStopped(stop);
     QProcess process;
     start(process, executable, arguments, options, environment);
+    const Leftovers::Child listed(process.processId());
     const auto deadline = deadlineAfter(options.timeoutSeconds);
     // Both pipes are read while waiting, so a child that fills one of them never stalls.
     QByteArray output;
@@ -143,7 +149,8 @@ ProcessResult runWithEnvironment(const QString& executable, const QStringList& a
         }
     }
     throwIfStopped(stop);
-    return {exitStatus(process), QString::fromUtf8(output), QString::fromUtf8(error)};
+    return {exitStatus(process), QString::fromUtf8(output), QString::fromUtf8(error),
+            killed(process)};
 }
 
 } // namespace

@@ -18,9 +18,19 @@ ShellError ShellError::notFound(const QString& tool) {
 }
 
 ShellError ShellError::failed(const QString& tool, int status, const QString& message) {
-    return ShellError(Kind::failed, tool, status,
-                      tool + QStringLiteral(" falló (código ") + QString::number(status) +
-                          QStringLiteral("):\n") + message);
+    const QString start = tool + QStringLiteral(" falló (código ") + QString::number(status);
+    if (message.trimmed().isEmpty())
+        return ShellError(Kind::failed, tool, status,
+                          start + QStringLiteral(") sin explicar por qué."));
+    return ShellError(Kind::failed, tool, status, start + QStringLiteral("):\n") + message);
+}
+
+ShellError ShellError::killed(const QString& tool, int signal) {
+    return ShellError(Kind::killed, tool, signal,
+                      tool + QStringLiteral(" se cortó antes de terminar: lo detuvo la señal ") +
+                          QString::number(signal) +
+                          QStringLiteral(". Si no lo cortaste vos, probá de nuevo; suele pasar "
+                                         "cuando el sistema se queda sin memoria."));
 }
 
 } // namespace velto

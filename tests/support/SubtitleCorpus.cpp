@@ -27,16 +27,7 @@ QString codecFor(const QString& path, const QString& text) {
     return ass ? QStringLiteral("ass") : QStringLiteral("subrip");
 }
 
-} // namespace
-
-bool File::holdsNoCue() const {
-    static const QRegularExpression dialogue = lineStart("^[ \\t]*dialogue[ \\t]*:");
-    static const QRegularExpression timing = lineStart(
-        "^\\s*-?\\d{1,3}:\\d\\d:\\d\\d[,.]\\d{1,3}\\s*-->\\s*-?\\d{1,3}:\\d\\d:\\d\\d[,.]\\d");
-    return !(codec == u"ass" ? dialogue : timing).match(text).hasMatch();
-}
-
-QList<File> files(const QString& root) {
+QStringList paths(const QString& root) {
     static const QStringList notes = {QStringLiteral("SOURCES.md"), QStringLiteral("SHA256SUMS"),
                                       QStringLiteral(".gitattributes")};
     QStringList paths;
@@ -47,8 +38,33 @@ QList<File> files(const QString& root) {
             paths.append(path);
     }
     paths.sort();
+    return paths;
+}
+
+} // namespace
+
+bool File::holdsNoCue() const {
+    static const QRegularExpression dialogue = lineStart("^[ \\t]*dialogue[ \\t]*:");
+    static const QRegularExpression timing = lineStart(
+        "^\\s*-?\\d{1,3}:\\d\\d:\\d\\d[,.]\\d{1,3}\\s*-->\\s*-?\\d{1,3}:\\d\\d:\\d\\d[,.]\\d");
+    return !(codec == u"ass" ? dialogue : timing).match(text).hasMatch();
+}
+
+QString directory() {
+    const QString chosen = qEnvironmentVariable("VELTO_CORPUS_DIR");
+    return chosen.isEmpty() ? QStringLiteral(VELTO_CORPUS_DIR) : chosen;
+}
+
+QString missingReason() {
+    if (!paths(directory()).isEmpty())
+        return {};
+    return QStringLiteral("no real-world subtitle corpus in ") + directory() +
+           QStringLiteral(" (set VELTO_CORPUS_DIR)");
+}
+
+QList<File> files(const QString& root) {
     QList<File> out;
-    for (const QString& path : paths) {
+    for (const QString& path : paths(root)) {
         const QString text = Subtitles::readText(path);
         out.append(File{path, text, codecFor(path, text)});
     }

@@ -117,6 +117,8 @@ TEST_F(ClaudeCLIEngine, MapsAFailedRunToItsMessage) {
     EXPECT_EQ(errorOfRun(), u"claude terminó con código 2: boom"_s);
     answer({}, {}, 42);
     EXPECT_EQ(errorOfRun(), u"claude terminó con código 42: "_s);
+    claude(u"echo 'Not logged in' >&2; kill -9 $$"_s);
+    EXPECT_EQ(errorOfRun(), u"claude se cortó antes de terminar: lo detuvo la señal 9."_s);
     answer(u"\n  \n\n"_s, u"Not logged in"_s, 0);
     EXPECT_EQ(errorOfRun(), u"El CLI de Claude devolvió una respuesta vacía."_s);
 }

@@ -41,10 +41,20 @@ TEST(Retry, RetriesAllButFatalErrorsWithCappedDoublingWaitsAndRethrowsTheLast) {
     EXPECT_EQ(waits, (Waits{1s, 1s, 2s}));
 }
 
-TEST(Retry, TheRealWaitWakesWhenStopped) {
-    std::stop_source stop;
-    std::jthread stopper([&] { stop.request_stop(); });
-    Retry::cancellableWait(1h, stop.get_token()); // a deaf wait hangs the test here
+TEST(Retry, TheRealWaitWakesWhenStoppedBeforeOrDuringIt) {
+    std::stop_source before;
+    before.request_stop();
+    Retry::cancellableWait(1h, before.get_token());
+    // The stopper gets the mutex only once the wait has released it to sleep; a wait deaf to
+    // the stop hangs the test here.
+    std::mutex mutex;
+    std::unique_lock lock(mutex);
+    std::stop_source during;
+    std::jthread stopper([&] {
+        const std::lock_guard asleep(mutex);
+        during.request_stop();
+    });
+    Retry::cancellableWaitHolding(1h, during.get_token(), lock);
 }
 
 namespace {

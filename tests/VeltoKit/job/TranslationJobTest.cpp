@@ -218,6 +218,12 @@ TEST_F(TranslationJobTest, RefusesBeforeWritingAnything) {
          u"La salida no puede ser el mismo archivo que la entrada."_s},
         {english, [&](JobOptions& o) { o.outputURL = path(u"sub/Movie.es.mkv"_s); },
          u"La carpeta de salida «"_s + path(u"sub"_s) + u"» no existe."_s},
+        {english, [](JobOptions& o) { o.batchSize = 0; },
+         u"Cada pedido al motor tiene que llevar al menos 1 subtítulo (llegó 0)."_s},
+        {english, [](JobOptions& o) { o.concurrency = -2; },
+         u"Hace falta al menos 1 pedido al motor a la vez (llegó -2)."_s},
+        {english, [](JobOptions& o) { o.contextLines = -1; },
+         u"Las líneas de contexto no pueden ser menos de 0 (llegó -1)."_s},
     };
     for (const Case& refusal : cases) {
         SCOPED_TRACE(refusal.message.toStdString());
@@ -231,7 +237,8 @@ TEST_F(TranslationJobTest, RefusesBeforeWritingAnything) {
         } catch (const VeltoError& error) {
             EXPECT_EQ(error.description(), refusal.message);
         }
-        EXPECT_EQ(m_updates.size(), 1) << "only the analysis ran";
+        for (const JobUpdate& update : m_updates)
+            EXPECT_EQ(update.stage, JobStage::analyzing) << "only the analysis ran";
         EXPECT_EQ(leftovers(), QStringList());
         EXPECT_FALSE(QFile::exists(TranslationJob::defaultOutputURL(refusal.source, u".es"_s)));
     }

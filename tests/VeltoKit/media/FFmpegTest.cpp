@@ -17,6 +17,7 @@
 #include "support/FailureText.h"
 #include "support/MediaFixtures.h"
 #include "support/ShellScripts.h"
+#include "support/SubtitleCorpus.h"
 
 using namespace velto;
 using namespace velto::MediaFixtures;
@@ -28,8 +29,13 @@ using testing::StartsWith;
 
 namespace {
 
-const QString corpusSrt =
-    u"" VELTO_CORPUS_DIR "/dualsub/Game of Thrones 1x01 - Winter Is Coming (English).srt"_s;
+// A real-world SRT when the corpus is there; the fixture's own lines on a fresh clone.
+QByteArray englishSrt() {
+    const QByteArray real =
+        readFile(SubtitleCorpus::directory() +
+                 u"/dualsub/Game of Thrones 1x01 - Winter Is Coming (English).srt"_s);
+    return real.isEmpty() ? srtText(SubtitleRecipe().lines) : real;
+}
 
 QStringList entries(const QString& directory) {
     return QDir(directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
@@ -57,7 +63,7 @@ QStringList mkvmergeReport(const QString& file) {
     return lines;
 }
 
-// SRT "eng" default+SDH (a real-world file), ASS "ger" forced, WebVTT "fre", PGS "spa", DVD
+// SRT "eng" default+SDH (englishSrt), ASS "ger" forced, WebVTT "fre", PGS "spa", DVD
 // untagged; a font and two chapters. Streams: 0 video, 1 audio, 2..6 subtitles, 7 the font.
 // Written once and shared: no test may change it.
 const QString& richMkv() {
@@ -72,7 +78,7 @@ const QString& richMkv() {
             {.format = webvtt, .language = u"fre"_s, .title = u"Français"_s},
             {.format = pgs, .language = u"spa"_s},
             {.format = dvdSubtitle}};
-        recipe.subtitles[0].contents = readFile(corpusSrt);
+        recipe.subtitles[0].contents = englishSrt();
         writeVideo(file, recipe);
         return file;
     }();
@@ -98,10 +104,25 @@ TEST_F(FFmpegTest, LocatesBothToolsAndReportsWhatWentWrong) {
     EXPECT_EQ(located.ffprobe, ffprobe);
     EXPECT_EQ(located.version(), u"desconocida"_s); // it prints nothing
     EXPECT_TRUE(tools().version().startsWith(u"ffmpeg version "_s));
-    EXPECT_THAT(failureText([] { FFmpeg().inspect(u"x.mkv"_s); }),
+    EXPECT_THAT(failureText([&] { FFmpeg().inspect(ffmpeg); }),
                 StartsWith("No encuentro «ffprobe»."));
-    EXPECT_THAT(failureText([&] { tools().inspect(path(u"missing.mkv"_s)); }),
-                AllOf(StartsWith("ffprobe falló (código 1):\n"), HasSubstr("missing.mkv")));
+}
+
+// A missing, empty or folder input is said through veltomkv-cli (tests/cli).
+TEST_F(FFmpegTest, SaysInItsOwnWordsWhatIsNoVideoAndTakesNamesThatLookLikeOptions) {
+    writeFile(path(u"notes.mkv"_s), "Esto no es un video.\n");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path(u"pipe.mkv"_s)).constData(), 0600), 0);
+    writeVideo(path(u"-trailer.mkv"_s), {.subtitles = {{.language = u"eng"_s}}});
+    const QString before = QDir::currentPath();
+    QDir::setCurrent(m_dir.path()); // relative names, as a user types them
+    EXPECT_EQ(failureText([&] { tools().inspect(u"notes.mkv"_s); }),
+              "«notes.mkv» no es un video que pueda leer: su formato no se reconoce o el archivo "
+              "está dañado. Elegí un archivo de video, por ejemplo un .mkv o un .mp4.");
+    EXPECT_EQ(failureText([&] { tools().inspect(u"pipe.mkv"_s); }),
+              "«pipe.mkv» no es un archivo común (es una tubería o un dispositivo). Elegí un "
+              "archivo de video.");
+    EXPECT_EQ(tools().inspect(u"-trailer.mkv"_s).tracks.size(), 1);
+    QDir::setCurrent(before);
 }
 
 TEST_F(FFmpegTest, InspectsEveryKindOfTrackAndExtractsTheTextOnes) {
@@ -121,12 +142,12 @@ TEST_F(FFmpegTest, InspectsEveryKindOfTrackAndExtractsTheTextOnes) {
               "ffmpeg falló (código 1):\nLa pista #5 es de tipo imagen (hdmv_pgs_subtitle). Haría "
               "falta OCR para traducirla; VeltoMKV solo maneja subtítulos de texto.");
     EXPECT_EQ(failureText([&] { silent.extract(info.tracks[0], richMkv(), m_dir.path()); }),
-              "ffmpeg falló (código 1):\nLa extracción de la pista #2 salió vacía.");
+              "La pista #2 está vacía: no tiene ningún subtítulo para traducir. Elegí otra pista.");
 
     // SRT and ASS come out as they are, WebVTT as SRT.
     for (const SubtitleTrack& track : info.tracks.mid(0, 3))
         tools().extract(track, richMkv(), m_dir.path());
-    EXPECT_EQ(readFile(path(u"source_2.srt"_s)), readFile(corpusSrt));
+    EXPECT_EQ(readFile(path(u"source_2.srt"_s)), englishSrt());
     EXPECT_TRUE(readFile(path(u"source_3.ass"_s))
                     .contains("Dialogue: 0,0:00:01.50,0:00:02.40,Default,,0,0,0,,How are you?"));
     EXPECT_EQ(readFile(path(u"source_4.srt"_s)), srtText(SubtitleRecipe().lines));
@@ -140,9 +161,9 @@ TEST_F(FFmpegTest, Mp4TracksAreMovTextOnTheWayInAndOut) {
     EXPECT_EQ(readFile(srt), srtText(SubtitleRecipe().lines));
     // A copied SRT would be refused by MP4, whatever the case of the extension.
     const QString output = path(u"clip.es.MP4"_s);
-    tools().mux(source, srt, output, 1, {});
+    tools().mux(source, srt, output, 1, {.title = u"Español"_s});
     const SubtitleTrack added = tools().inspect(output).tracks.value(1);
-    EXPECT_EQ(added.codec + u' ' + added.language, u"mov_text spa"_s);
+    EXPECT_EQ(added.codec + u' ' + added.language + u' ' + added.title, u"mov_text spa Español"_s);
     EXPECT_EQ(probeStreams(output).size(), 4); // video, audio and both subtitles
 }
 
@@ -206,8 +227,10 @@ TEST_F(FFmpegTest, MuxRunsTheDocumentedCommandAndAnInterruptionLeavesNothing) {
         else
             mux.request_stop();
         mux.join();
-        EXPECT_THAT(outcome,
-                    StartsWith(killing ? "ffmpeg falló (código " : "Operación cancelada."));
+        EXPECT_EQ(outcome, killing ? "ffmpeg se cortó antes de terminar: lo detuvo la señal 9. Si "
+                                     "no lo cortaste vos, probá de nuevo; suele pasar cuando el "
+                                     "sistema se queda sin memoria."
+                                   : "Operación cancelada.");
         EXPECT_EQ(entries(out), QStringList());
         feeder.closeWriteChannel();
         feeder.waitForFinished();

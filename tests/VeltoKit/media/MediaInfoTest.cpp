@@ -67,6 +67,12 @@ TEST(MediaInfo, ToleratesMissingMembersAndRejectsOtherJson) {
     const MediaInfo bare = MediaInfo::fromProbeJson(
         {}, R"({"streams":[{"index":4,"tags":{"LANGUAGE":"ger","NUMBER_OF_FRAMES-eng":"17"}}]})");
     EXPECT_EQ(describeTracks(bare), QStringList{u"unknown: #4  alemán  (17 eventos)"_s});
+    // MP4 keeps a track's title in its handler name, unless a tool left its default there.
+    const MediaInfo mp4 = MediaInfo::fromProbeJson({}, R"j({"streams":[
+        {"index":2,"codec_name":"mov_text","tags":{"handler_name":"Español (traducido)"}},
+        {"index":3,"codec_name":"mov_text","tags":{"handler_name":"SubtitleHandler"}}]})j");
+    EXPECT_EQ(describeTracks(mp4), (QStringList{u"mov_text: #2  español  «Español (traducido)»"_s,
+                                                u"mov_text: #3  idioma desconocido"_s}));
     EXPECT_EQ(bare.duration, std::nullopt);
     EXPECT_EQ(bare.sizeBytes, 0);
 
