@@ -8,6 +8,8 @@
 
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/job/JobError.h"
+#include "VeltoKit/job/QualityCheck.h"
+#include "VeltoKit/job/QualityReview.h"
 #include "VeltoKit/job/WorkingDirectory.h"
 #include "VeltoKit/media/Languages.h"
 #include "VeltoKit/media/MediaInfo.h"
@@ -219,23 +221,27 @@ private:
     }
 
     QStringList translate(const SubtitleDocument& document, const SubtitleTrack& track) {
+        const std::shared_ptr<TranslationCache> cache = openCache();
         const Translator translator(m_backend, sourceLanguageName(track), m_options.variant,
                                     m_options.batchSize, m_options.contextLines,
-                                    m_options.concurrency, openCache());
+                                    m_options.concurrency, cache);
         const QStringList texts = document.texts();
         report(JobStage::translating, QString::number(texts.size()) + QStringLiteral(" subtítulos"),
                0.0);
-        const Translator::Result result = translator.translateAll(
-            texts,
-            // The translator calls this one call at a time, from whichever thread finished.
-            [&](const TranslationProgress& progress) {
-                report(JobStage::translating, progressDetail(progress), progress.fraction());
-            },
-            m_stop);
+        // The translator calls this one call at a time, from whichever thread finished.
+        const auto onProgress = [&](const TranslationProgress& progress) {
+            report(JobStage::translating, progressDetail(progress), progress.fraction());
+        };
+        const Translator::Result result = translator.translateAll(texts, onProgress, m_stop);
         m_result.translatedCount = texts.size() - result.progress.failed;
         m_result.failedLines = result.progress.failed;
         m_result.warnings = result.warnings;
-        return result.translations;
+        const QualityReview::Outcome reviewed =
+            QualityReview(translator, m_backend, m_options.concurrency, cache)
+                .run(document, result.translations, result.progress, onProgress, m_stop);
+        m_result.qualityFindings = reviewed.findings;
+        m_result.warnings += QualityCheck::warnings(reviewed.findings);
+        return reviewed.translations;
     }
 
     QString rebuild(const SubtitleDocument& document, const QStringList& translations,
