@@ -23,11 +23,12 @@ namespace velto::test {
 class ChatCompletionsServer {
 public:
     struct Behaviour {
+        // Empty: any request is let in, as local servers do.
         QString key = QStringLiteral("sk-prueba");
         QStringList models = {QStringLiteral("modelo-b"), QStringLiteral("modelo-a")};
         bool loseABlockOnce = false;
         // Rewrites a block's answer; the default prefixes "es: ".
-        std::function<QString(int number, const QString& text)> translate;
+        std::function<QString(int number, const QString& text)> translate{};
     };
 
     explicit ChatCompletionsServer(Behaviour behaviour);
