@@ -87,16 +87,34 @@ void forEachWord(QStringView visible, Visit visit) {
     }
 }
 
-// Letters and digits only, case folded: what stays of a line once tags, case, blanks and
-// punctuation are set aside.
-QString comparisonKey(QStringView visible) {
-    QString key;
-    key.reserve(visible.size());
-    for (const QChar c : visible) {
-        if (c.isLetterOrNumber() || c.isMark())
-            key += c.toCaseFolded();
+// The next letter or digit from `i` on, case folded; 0 at the end. Tags, case, blanks and
+// punctuation are what this sets aside.
+char16_t nextFolded(QStringView text, qsizetype& i) {
+    while (i < text.size()) {
+        const QChar c = text[i++];
+        const char16_t code = c.unicode();
+        if (code < 0x80) {
+            if ((code >= u'a' && code <= u'z') || (code >= u'0' && code <= u'9'))
+                return code;
+            if (code >= u'A' && code <= u'Z')
+                return code + (u'a' - u'A');
+        } else if (c.isLetterOrNumber() || c.isMark()) {
+            return c.toCaseFolded().unicode();
+        }
     }
-    return key;
+    return 0;
+}
+
+bool sameLettersAndDigits(QStringView a, QStringView b) {
+    qsizetype i = 0;
+    qsizetype j = 0;
+    for (;;) {
+        const char16_t x = nextFolded(a, i);
+        if (x != nextFolded(b, j))
+            return false;
+        if (x == 0)
+            return true;
+    }
 }
 
 bool readsAsSpanish(QStringView visible) {
@@ -120,8 +138,9 @@ bool onlyNames(QStringView visible) {
 }
 
 bool untranslatedVisible(QStringView source, QStringView translation) {
-    return wordCount(source) >= 3 && !readsAsSpanish(source) && !onlyNames(source) &&
-           comparisonKey(source) == comparisonKey(translation);
+    // Most translations differ in their first letters, so the comparison goes first.
+    return sameLettersAndDigits(source, translation) && wordCount(source) >= 3 &&
+           !readsAsSpanish(source) && !onlyNames(source);
 }
 
 bool lostVisible(QStringView source, QStringView translation) {
@@ -175,8 +194,10 @@ QString cueReference(const CheckedCue& cue) {
 } // namespace
 
 QString visibleText(QStringView text) {
-    QString shown;
-    shown.reserve(text.size());
+    // Written in place into one buffer: this runs twice for every cue of a film.
+    QString shown(text.size(), Qt::Uninitialized);
+    QChar* out = shown.data();
+    qsizetype size = 0;
     bool drawing = false;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text[i];
@@ -192,28 +213,38 @@ QString visibleText(QStringView text) {
         } else if (c == u'\\' && i + 1 < text.size()) {
             const QChar escape = text[i + 1];
             if (escape == u'N' || escape == u'n' || escape == u'h') {
-                shown += escape == u'h' ? u' ' : u'\n';
+                out[size++] = escape == u'h' ? u' ' : u'\n';
                 ++i;
                 continue;
             }
         }
-        if (skipTo > i) {
+        if (skipTo > i)
             i = skipTo;
-        } else if (c == u'\n' || (!drawing && c != u'\r')) {
-            shown += c;
+        else if (c == u'\n' || (!drawing && c != u'\r'))
+            out[size++] = c;
+    }
+    // Lines trimmed and blank ones dropped, moving text only towards the front.
+    qsizetype kept = 0;
+    for (qsizetype line = 0; line < size;) {
+        qsizetype end = line;
+        while (end < size && out[end] != u'\n')
+            ++end;
+        qsizetype first = line;
+        qsizetype last = end;
+        while (first < last && out[first].isSpace())
+            ++first;
+        while (last > first && out[last - 1].isSpace())
+            --last;
+        if (first < last) {
+            if (kept > 0)
+                out[kept++] = u'\n';
+            for (qsizetype k = first; k < last; ++k)
+                out[kept++] = out[k];
         }
+        line = end + 1;
     }
-    QString lines;
-    lines.reserve(shown.size());
-    for (QStringView line : QStringView(shown).tokenize(u'\n')) {
-        line = line.trimmed();
-        if (line.isEmpty())
-            continue;
-        if (!lines.isEmpty())
-            lines += u'\n';
-        lines += line;
-    }
-    return lines;
+    shown.truncate(kept);
+    return shown;
 }
 
 qsizetype wordCount(QStringView visible) {
