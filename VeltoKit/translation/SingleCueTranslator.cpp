@@ -1,6 +1,7 @@
 #include "VeltoKit/translation/SingleCueTranslator.h"
 
 #include <atomic>
+#include <exception>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -45,25 +46,35 @@ QList<std::optional<QString>> SingleCueTranslator::translate(const QStringList& 
                                                              std::stop_token stop) const {
     QList<std::optional<QString>> answers(positions.size());
     std::atomic<qsizetype> next = 0;
-    std::atomic<bool> fatal = false;
-    std::mutex progressMutex;
+    // Set by a fatal engine error: no other request would get through either.
+    std::atomic<bool> halt = false;
+    std::mutex mutex;
     qint64 asked = 0;
+    std::exception_ptr unexpected;
     auto work = [&] {
-        for (qsizetype k = next++; k < positions.size(); k = next++) {
-            if (stop.stop_requested() || fatal)
-                return;
-            try {
-                answers[k] = ask(texts, positions[k], stop);
-            } catch (const TranslationError& error) {
-                fatal = fatal || error.fatal();
-            } catch (const VeltoError&) {
-                // This text keeps its first answer.
-            } catch (const Cancelled&) {
-                return;
+        try {
+            for (qsizetype k = next++; k < positions.size(); k = next++) {
+                if (stop.stop_requested() || halt)
+                    return;
+                try {
+                    answers[k] = ask(texts, positions[k], stop);
+                } catch (const TranslationError& error) {
+                    halt = halt || error.fatal();
+                } catch (const VeltoError&) {
+                    // This text keeps its first answer.
+                }
+                const std::lock_guard lock(mutex);
+                if (onProgress)
+                    onProgress(++asked);
             }
-            const std::lock_guard lock(progressMutex);
-            if (onProgress)
-                onProgress(++asked);
+        } catch (const Cancelled&) {
+            // Seen by the caller through `stop`.
+        } catch (...) {
+            // Not the engine's doing: passed on once every worker has stopped.
+            const std::lock_guard lock(mutex);
+            if (!unexpected)
+                unexpected = std::current_exception();
+            halt = true;
         }
     };
     {
@@ -72,6 +83,8 @@ QList<std::optional<QString>> SingleCueTranslator::translate(const QStringList& 
         for (qint64 i = 0; i < count; ++i)
             workers.emplace_back(work);
     }
+    if (unexpected)
+        std::rethrow_exception(unexpected);
     throwIfStopped(stop);
     return answers;
 }
