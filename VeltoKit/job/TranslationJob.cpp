@@ -228,17 +228,32 @@ private:
         const QStringList texts = document.texts();
         report(JobStage::translating, QString::number(texts.size()) + QStringLiteral(" subtítulos"),
                0.0);
-        // The translator calls this one call at a time, from whichever thread finished.
-        const auto onProgress = [&](const TranslationProgress& progress) {
-            report(JobStage::translating, progressDetail(progress), progress.fraction());
-        };
-        const Translator::Result result = translator.translateAll(texts, onProgress, m_stop);
+        const Translator::Result result = translator.translateAll(
+            texts,
+            // The translator calls this one call at a time, from whichever thread finished.
+            [&](const TranslationProgress& progress) {
+                report(JobStage::translating, progressDetail(progress), progress.fraction());
+            },
+            m_stop);
         m_result.translatedCount = texts.size() - result.progress.failed;
         m_result.failedLines = result.progress.failed;
         m_result.warnings = result.warnings;
+        return review(document, translator, cache, result);
+    }
+
+    // Cues left untranslated get one more request each, counted in the same progress.
+    QStringList review(const SubtitleDocument& document, const Translator& translator,
+                       const std::shared_ptr<TranslationCache>& cache,
+                       const Translator::Result& result) {
         const QualityReview::Outcome reviewed =
             QualityReview(translator, m_backend, m_options.concurrency, cache)
-                .run(document, result.translations, result.progress, onProgress, m_stop);
+                .run(
+                    document, result.translations, result.progress,
+                    [&](const TranslationProgress& progress) {
+                        report(JobStage::translating, progressDetail(progress),
+                               progress.fraction());
+                    },
+                    m_stop);
         m_result.qualityFindings = reviewed.findings;
         m_result.warnings += QualityCheck::warnings(reviewed.findings);
         return reviewed.translations;
