@@ -285,7 +285,9 @@ QList<CheckedCue> cues(const SubtitleDocument& source, const QStringList& transl
     checked.reserve(written.size());
     for (qsizetype k = 0; k < written.size() && k < translations.size(); ++k) {
         CheckedCue cue{.number = k + 1, .source = written[k]};
-        cue.translation = ass ? AssPlaceholders::restore(
+        // Without a placeholder there is nothing to put back.
+        cue.translation = ass && translations[k].contains(u'⟪')
+                              ? AssPlaceholders::restore(
                                     translations[k], AssPlaceholders::protect(written[k]).tokens)
                               : translations[k];
         // Fields 1 and 2 are the start and end for every kind of document.
@@ -360,26 +362,42 @@ QString issueName(QualityIssue issue) {
 
 std::optional<qint64> milliseconds(QStringView timestamp) {
     const QStringView text = timestamp.trimmed();
-    const qsizetype separator = std::max(text.lastIndexOf(u'.'), text.lastIndexOf(u','));
-    const QStringView whole = separator >= 0 ? text.first(separator) : text;
-    const QStringView fraction = separator >= 0 ? text.sliced(separator + 1) : QStringView();
-    const QList<QStringView> parts = whole.split(u':');
-    if (parts.size() < 2 || parts.size() > 3)
-        return std::nullopt;
-    auto digitsOnly = [](QStringView digits) {
-        return std::all_of(digits.begin(), digits.end(), [](QChar c) { return c.isDigit(); });
-    };
     qint64 seconds = 0;
-    for (const QStringView part : parts) {
-        if (part.isEmpty() || part.size() > 9 || !digitsOnly(part))
+    qint64 field = 0;
+    qsizetype fields = 0;
+    qsizetype digits = 0;
+    qsizetype i = 0;
+    // Fields of digits up to the decimal separator; read by hand, as this runs for every cue.
+    for (; i < text.size() && text[i] != u'.' && text[i] != u','; ++i) {
+        const char16_t c = text[i].unicode();
+        if (c == u':') {
+            if (digits == 0)
+                return std::nullopt;
+            seconds = seconds * 60 + field;
+            field = 0;
+            digits = 0;
+            ++fields;
+        } else if (c >= u'0' && c <= u'9' && digits < 9) {
+            field = field * 10 + (c - u'0');
+            ++digits;
+        } else {
             return std::nullopt;
-        seconds = seconds * 60 + part.toLongLong();
+        }
     }
-    if (!digitsOnly(fraction))
+    if (digits == 0 || fields < 1 || fields > 2)
         return std::nullopt;
+    seconds = seconds * 60 + field;
     qint64 millis = 0;
-    for (qsizetype i = 0; i < 3; ++i)
-        millis = millis * 10 + (i < fraction.size() ? fraction[i].digitValue() : 0);
+    qsizetype decimals = 0;
+    for (++i; i < text.size(); ++i) {
+        const char16_t c = text[i].unicode();
+        if (c < u'0' || c > u'9')
+            return std::nullopt;
+        if (decimals++ < 3)
+            millis = millis * 10 + (c - u'0');
+    }
+    for (; decimals < 3; ++decimals)
+        millis *= 10;
     return seconds * 1000 + millis;
 }
 
