@@ -39,7 +39,7 @@ QualityReview::Outcome QualityReview::run(const SubtitleDocument& document,
         report(0);
         const QList<std::optional<QString>> answers =
             SingleCueTranslator(m_translator, m_backend, m_concurrency)
-                .translate(texts, again, report, stop);
+                .translate(texts, again, report, std::move(stop));
         for (qsizetype i = 0; i < again.size(); ++i) {
             const qsizetype k = again[i];
             if (!answers[i] || QualityCheck::isUntranslated(texts[k], *answers[i]) ||

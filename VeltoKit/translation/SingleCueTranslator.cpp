@@ -91,8 +91,8 @@ QList<std::optional<QString>> SingleCueTranslator::translate(const QStringList& 
 
 std::optional<QString> SingleCueTranslator::ask(const QStringList& texts, qsizetype position,
                                                 std::stop_token stop) const {
-    const QString answer = m_backend->complete(m_translator.systemPrompt(),
-                                               m_translator.prompt(texts, {position}), stop);
+    const QString answer = m_backend->complete(
+        m_translator.systemPrompt(), m_translator.prompt(texts, {position}), std::move(stop));
     const std::map<int, QString> blocks = BlockProtocol::split(answer);
     if (blocks.size() != 1 || !blocks.contains(1) ||
         !keepsPlaceholders(texts[position], blocks.at(1)))
