@@ -29,7 +29,7 @@ void checkSrt(benchmark::State& state) {
     QString text;
     QStringList translations;
     for (int i = 0; i < count; ++i) {
-        const qint64 start = i * 4'800;
+        const qint64 start = qint64(i) * 4'800;
         text += QString::number(i + 1) + u'\n' + timestamp(start, u',') + QStringLiteral(" --> ") +
                 timestamp(start + 3'500, u',') +
                 QStringLiteral("\n- I told you we should have left before the storm.\n"
@@ -57,7 +57,7 @@ void checkAss(benchmark::State& state) {
     QString text = QStringLiteral("[Events]\nFormat: Layer, Start, End, Style, Name, MarginL, "
                                   "MarginR, MarginV, Effect, Text\n");
     for (int i = 0; i < count; ++i) {
-        const qint64 start = i * 4'800;
+        const qint64 start = qint64(i) * 4'800;
         text += QStringLiteral("Dialogue: 0,") + timestamp(start, u'.').mid(1, 10) + u',' +
                 timestamp(start + 3'500, u'.').mid(1, 10) +
                 QStringLiteral(",Default,,0,0,0,,{\\i1}I told you, we should have left{\\i0}"
