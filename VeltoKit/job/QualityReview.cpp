@@ -20,12 +20,13 @@ QualityReview::Outcome QualityReview::run(const SubtitleDocument& document,
                                           const TranslationProgress& progress,
                                           const ProgressHandler& onProgress,
                                           std::stop_token stop) const {
-    Outcome outcome{translations, {}};
-    const QStringList texts = document.texts();
+    Outcome outcome{translations,
+                    QualityCheck::inspect(QualityCheck::cues(document, translations))};
     QList<qsizetype> again;
-    for (qsizetype k = 0; k < texts.size() && k < translations.size(); ++k) {
-        if (QualityCheck::isUntranslated(texts[k], translations[k]))
-            again.append(k);
+    for (const QualityFinding& finding : outcome.findings) {
+        // Cues are numbered from 1 in the order of the texts.
+        if (finding.issue == QualityIssue::untranslated)
+            again.append(finding.cue.number - 1);
     }
     if (!again.isEmpty()) {
         TranslationProgress counted = progress;
@@ -37,6 +38,7 @@ QualityReview::Outcome QualityReview::run(const SubtitleDocument& document,
                 onProgress(now);
         };
         report(0);
+        const QStringList texts = document.texts();
         const QList<std::optional<QString>> answers =
             SingleCueTranslator(m_translator, m_backend, m_concurrency)
                 .translate(texts, again, report, std::move(stop));
@@ -52,8 +54,9 @@ QualityReview::Outcome QualityReview::run(const SubtitleDocument& document,
         }
         if (m_cache)
             m_cache->flush();
+        outcome.findings =
+            QualityCheck::inspect(QualityCheck::cues(document, outcome.translations));
     }
-    outcome.findings = QualityCheck::inspect(QualityCheck::cues(document, outcome.translations));
     return outcome;
 }
 
