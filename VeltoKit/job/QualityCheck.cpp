@@ -5,6 +5,7 @@
 #include "VeltoKit/subtitles/AssDocument.h"
 #include "VeltoKit/subtitles/AssPlaceholders.h"
 #include "VeltoKit/subtitles/SubtitleDocument.h"
+#include "VeltoKit/translation/Translator.h"
 
 namespace velto::QualityCheck {
 namespace {
@@ -290,6 +291,11 @@ QList<CheckedCue> cues(const SubtitleDocument& source, const QStringList& transl
                               ? AssPlaceholders::restore(
                                     translations[k], AssPlaceholders::protect(written[k]).tokens)
                               : translations[k];
+        // A text the translator never sends comes back as it was; only those need the question.
+        if (cue.translation == cue.source &&
+            !Translator::isTranslatable(ass ? AssPlaceholders::protect(written[k]).text
+                                            : written[k]))
+            continue;
         // Fields 1 and 2 are the start and end for every kind of document.
         if (timings.size() == written.size() && timings[k].fields.size() > 2) {
             cue.startMs = milliseconds(timings[k].fields[1]);

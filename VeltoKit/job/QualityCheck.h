@@ -35,12 +35,13 @@ bool readsTooFast(const CheckedCue& cue);
 // A line of more than 42 visible characters, or more than two lines.
 bool hasLongLines(const QString& translation);
 
-// One entry per text of `source` (the document as loaded, before translation), in order, with
-// `translations` (as handed to setTexts) restored to what the written track holds.
+// One entry per text of `source` (the document as loaded, before translation) that the
+// translator sends to the engine, in order, with `translations` (as handed to setTexts)
+// restored to what the written track holds.
 QList<CheckedCue> cues(const SubtitleDocument& source, const QStringList& translations);
 
-// Cues whose source shows nothing were kept as they were and are not looked at. A cue left
-// untranslated or lost is reported for that alone; the others may be both fast and long.
+// Cues whose source shows nothing are not looked at. A cue left untranslated or lost is
+// reported for that alone; the others may be both fast and long.
 QList<QualityFinding> inspect(const QList<CheckedCue>& cues);
 
 // One warning per issue that has findings, in the order of QualityIssue, naming up to five

@@ -124,14 +124,20 @@ TEST(QualityCheck, ReadsTheTimesOfEveryDocumentKind) {
     for (const QString& bad : {u"soon"_s, u"62.5"_s, u"1:2:3:4"_s, u"00:01:-2,500"_s})
         EXPECT_EQ(QualityCheck::milliseconds(bad), std::nullopt) << bad.toStdString();
 
-    // Comments have timings but no text; placeholders come back as the track holds them.
+    // Comments have timings but no text, a drawing is never sent; placeholders come back as
+    // the track holds them.
+    const QString drawing = u"{\\an8}m 0 0 l 100 0 100 100 0 100 0 0 l 100 0 100 100 0 100"_s;
     const AssDocument ass = AssDocument::parse(
         u"[Events]\nFormat: Layer, Start, End, Style, Text\n"
         "Comment: 0,0:00:00.00,0:00:01.00,Default,nota\n"
+        "Dialogue: 0,0:00:00.00,0:00:01.00,Default,"_s +
+        drawing +
+        u"\n"
         "Dialogue: 0,0:01:02.50,0:01:04.00,Default,{\\i1}Hello{\\i0}\\Nthere, friend.\n"_s);
-    const QList<CheckedCue> cues = QualityCheck::cues(ass, {u"⟪1⟫Hola⟪2⟫⟪3⟫amigo."_s});
+    const QList<CheckedCue> cues =
+        QualityCheck::cues(ass, {ass.texts().value(0), u"⟪1⟫Hola⟪2⟫⟪3⟫amigo."_s});
     ASSERT_EQ(cues.size(), 1);
-    EXPECT_EQ(cues[0].number, 1);
+    EXPECT_EQ(cues[0].number, 2);
     EXPECT_EQ(cues[0].startMs, 62'500);
     EXPECT_EQ(cues[0].endMs, 64'000);
     EXPECT_EQ(cues[0].translation, u"{\\i1}Hola{\\i0}\\Namigo."_s);
