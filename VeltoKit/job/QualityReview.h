@@ -29,7 +29,7 @@ public:
         QList<QualityFinding> findings;
     };
 
-    // `cache` may be null.
+    // `translator` must outlive the review; `cache` may be null.
     QualityReview(const Translator& translator, std::shared_ptr<const TranslationBackend> backend,
                   qint64 concurrency, std::shared_ptr<TranslationCache> cache);
 

@@ -23,7 +23,8 @@ public:
     // time.
     using ProgressHandler = std::function<void(qint64 asked)>;
 
-    // concurrency must be at least 1 (std::invalid_argument otherwise).
+    // `translator` must outlive this; concurrency must be at least 1 (std::invalid_argument
+    // otherwise).
     SingleCueTranslator(const Translator& translator,
                         std::shared_ptr<const TranslationBackend> backend, qint64 concurrency);
 
