@@ -94,7 +94,8 @@ TEST_F(CliQualityTest, SaysWhichCuesToLookAtByNumberAndTimeAndStaysQuietWhenAllI
 
     // A well-behaved engine, and the echo engine on cues it can prefix without going too fast.
     ChatCompletionsServer wellBehaved({.key = {}});
-    EXPECT_FALSE(run(local(wellBehaved) + QStringList{movie}).contains(u"Advertencias"_s));
+    EXPECT_FALSE(run(local(wellBehaved) + QStringList{u"--output"_s, path(u"Limpia.mkv"_s), movie})
+                     .contains(u"Advertencias"_s));
     EXPECT_FALSE(
         run({u"--provider"_s, u"echo"_s,
              video(u"Eco.mkv"_s, {u"Hello there."_s, u"How are you?"_s, u"Fine, thanks."_s})})

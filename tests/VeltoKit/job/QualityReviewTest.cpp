@@ -47,7 +47,7 @@ QByteArray englishSrt() {
 
 class QualityReviewTest : public testing::Test {
 protected:
-    JobResult translate(const ChatCompletionsServer& server) {
+    JobResult translate(const ChatCompletionsServer& server, const QString& output) {
         const QString source = QDir(m_root.path()).filePath(u"Movie.mkv"_s);
         MediaFixtures::writeVideo(
             source, {.subtitles = {{.language = u"eng"_s, .contents = englishSrt()}}});
@@ -56,6 +56,7 @@ protected:
             std::make_shared<HttpClient>());
         JobOptions options;
         options.useCache = false;
+        options.outputURL = QDir(m_root.path()).filePath(output);
         m_updates.clear();
         return TranslationJob(MediaFixtures::tools(), backend, options, m_root.path())
             .run(source, [this](const JobUpdate& update) { m_updates.append(update); }, {});
@@ -82,7 +83,7 @@ TEST_F(QualityReviewTest, NamesTheCuesAMisbehavingEngineSpoiledAndAsksAgainOnlyT
             return u"es: "_s + u"Bien, "_s.repeated(10);
         return u"es: "_s + text;
     }});
-    const JobResult result = translate(server);
+    const JobResult result = translate(server, u"Misbehaved.mkv"_s);
 
     EXPECT_EQ(result.warnings,
               (QStringList{u"1 subtítulo quedó sin traducir: #2 (0:03)."_s,
@@ -122,7 +123,7 @@ TEST_F(QualityReviewTest, NamesTheCuesAMisbehavingEngineSpoiledAndAsksAgainOnlyT
                                       {u"00:01:02,500"_s, u"es: See you tomorrow, then."_s}}));
 
     ChatCompletionsServer wellBehaved({});
-    const JobResult clean = translate(wellBehaved);
+    const JobResult clean = translate(wellBehaved, u"WellBehaved.mkv"_s);
     EXPECT_EQ(clean.warnings, QStringList());
     EXPECT_EQ(wellBehaved.completions(), 2);
 }
