@@ -5,6 +5,7 @@
 
 #include "VeltoKit/job/JobResult.h"
 #include "VeltoKit/job/JobUpdate.h"
+#include "VeltoKit/job/QualityCheck.h"
 #include "VeltoKit/media/MediaInfo.h"
 #include "cli/TerminalText.h"
 
@@ -23,6 +24,22 @@ QJsonObject trackObject(const SubtitleTrack& track) {
     if (track.frameCount)
         object.insert(QStringLiteral("events"), *track.frameCount);
     return object;
+}
+
+QJsonArray findingArray(const QList<QualityFinding>& findings) {
+    QJsonArray array;
+    auto time = [](const std::optional<qint64>& ms) { return ms ? QJsonValue(*ms) : QJsonValue(); };
+    for (const QualityFinding& finding : findings) {
+        array.append(QJsonObject{
+            {QStringLiteral("category"), QualityCheck::issueName(finding.issue)},
+            {QStringLiteral("cue"), finding.cue.number},
+            {QStringLiteral("start"), time(finding.cue.startMs)},
+            {QStringLiteral("end"), time(finding.cue.endMs)},
+            {QStringLiteral("source"), finding.cue.source},
+            {QStringLiteral("translation"), finding.cue.translation},
+        });
+    }
+    return array;
 }
 
 QJsonArray trackArray(const QList<SubtitleTrack>& tracks) {
@@ -59,6 +76,9 @@ void JsonReporter::tracks(const QString& video, const MediaInfo& info) {
 }
 
 void JsonReporter::finished(const QString&, const JobResult& result) {
+    // Always sent, so a script can tell a clean run from an old program.
+    print(QStringLiteral("quality"),
+          {{QStringLiteral("findings"), findingArray(result.qualityFindings)}});
     print(QStringLiteral("result"),
           {
               {QStringLiteral("output"), result.outputURL},

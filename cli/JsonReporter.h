@@ -9,8 +9,8 @@
 namespace velto::cli {
 
 // For scripts: one compact JSON object per line on standard output, each with a "type"
-// ("update", "tracks", "result", "error", "cancelled") and the video it is about. Failure
-// messages also go to standard error, as they stand.
+// ("update", "tracks", "quality", "result", "error", "cancelled") and the video it is about.
+// Failure messages also go to standard error, as they stand.
 class JsonReporter : public Reporter {
 public:
     explicit JsonReporter(FILE* out = stdout, FILE* err = stderr);

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "VeltoKit/job/QualityFinding.h"
 #include "VeltoKit/media/SubtitleTrack.h"
 
 namespace velto {
@@ -21,6 +22,8 @@ struct JobResult {
     double elapsed = 0;
     // The subtitle tracks of the written file, probed again.
     QList<SubtitleTrack> finalTracks;
+    // Cues a viewer would trip over, in cue order; `warnings` sums them up.
+    QList<QualityFinding> qualityFindings;
 };
 
 } // namespace velto

@@ -9,6 +9,8 @@
 
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/job/JobError.h"
+#include "VeltoKit/job/QualityCheck.h"
+#include "VeltoKit/job/QualityReview.h"
 #include "VeltoKit/job/WorkingDirectory.h"
 #include "VeltoKit/media/Languages.h"
 #include "VeltoKit/media/MediaInfo.h"
@@ -243,9 +245,10 @@ private:
     }
 
     QStringList translate(const SubtitleDocument& document, const SubtitleTrack& track) {
+        const std::shared_ptr<TranslationCache> cache = openCache();
         const Translator translator(m_backend, sourceLanguageName(track), m_options.variant,
                                     m_options.batchSize, m_options.contextLines,
-                                    m_options.concurrency, openCache());
+                                    m_options.concurrency, cache);
         const QStringList texts = document.texts();
         report(JobStage::translating, QString::number(texts.size()) + QStringLiteral(" subtítulos"),
                0.0);
@@ -260,7 +263,25 @@ private:
         m_result.translatedCount = result.progress.total - result.progress.failed;
         m_result.failedLines = result.progress.failed;
         m_result.warnings = result.warnings;
-        return result.translations;
+        return review(document, translator, cache, result);
+    }
+
+    // Cues left untranslated get one more request each, counted in the same progress.
+    QStringList review(const SubtitleDocument& document, const Translator& translator,
+                       const std::shared_ptr<TranslationCache>& cache,
+                       const Translator::Result& result) {
+        const QualityReview::Outcome reviewed =
+            QualityReview(translator, m_backend, m_options.concurrency, cache)
+                .run(
+                    document, result.translations, result.progress,
+                    [&](const TranslationProgress& progress) {
+                        report(JobStage::translating, progressDetail(progress),
+                               progress.fraction());
+                    },
+                    m_stop);
+        m_result.qualityFindings = reviewed.findings;
+        m_result.warnings += QualityCheck::warnings(reviewed.findings);
+        return reviewed.translations;
     }
 
     QString rebuild(const SubtitleDocument& document, const QStringList& translations,

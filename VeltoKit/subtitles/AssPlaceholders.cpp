@@ -1,24 +1,51 @@
 #include "VeltoKit/subtitles/AssPlaceholders.h"
 
-#include <QRegularExpression>
+#include <utility>
 
 namespace velto::AssPlaceholders {
 
 namespace {
 
-// Models sometimes pad a placeholder with spaces; it is still the same placeholder.
-const QRegularExpression& placeholderPattern() {
-    static const QRegularExpression pattern(QStringLiteral("⟪\\s*(\\d+)\\s*⟫"),
-                                            QRegularExpression::UseUnicodePropertiesOption);
-    return pattern;
+// "⟪7⟫", also padded with blanks as models sometimes write it, at `at`: its length and the
+// number it carries (0 when the digits are not ASCII), or length 0 when there is none.
+// Scanned by hand: every event of a script goes through here several times per job.
+std::pair<qsizetype, qsizetype> placeholderAt(QStringView text, qsizetype at) {
+    if (text[at] != u'⟪')
+        return {0, 0};
+    qsizetype i = at + 1;
+    while (i < text.size() && text[i].isSpace())
+        ++i;
+    const qsizetype digits = i;
+    while (i < text.size() && text[i].isDigit())
+        ++i;
+    const QStringView number = text.sliced(digits, i - digits);
+    while (i < text.size() && text[i].isSpace())
+        ++i;
+    if (number.isEmpty() || i >= text.size() || text[i] != u'⟫')
+        return {0, 0};
+    bool ok = false;
+    const qsizetype value = number.toLongLong(&ok);
+    return {i + 1 - at, ok ? value : 0};
 }
 
-// Whatever restore() would read as a placeholder is protected as well.
-const QRegularExpression& protectedParts() {
-    static const QRegularExpression pattern(QStringLiteral("\\{[^{}]*\\}|\\\\[Nnh]|") +
-                                                placeholderPattern().pattern(),
-                                            QRegularExpression::UseUnicodePropertiesOption);
-    return pattern;
+// Length of the override block ({...}, no brace inside), \N, \n, \h or placeholder at `at`; 0
+// when none starts there. Whatever restore() would read as a placeholder is protected as well.
+qsizetype protectedAt(QStringView text, qsizetype at) {
+    const QChar c = text[at];
+    if (c == u'{') {
+        for (qsizetype i = at + 1; i < text.size(); ++i) {
+            if (text[i] == u'}')
+                return i + 1 - at;
+            if (text[i] == u'{')
+                return 0;
+        }
+        return 0;
+    }
+    if (c == u'\\' && at + 1 < text.size()) {
+        const QChar escape = text[at + 1];
+        return escape == u'N' || escape == u'n' || escape == u'h' ? 2 : 0;
+    }
+    return placeholderAt(text, at).first;
 }
 
 } // namespace
@@ -30,13 +57,15 @@ QString placeholder(qsizetype number) {
 Protected protect(QStringView text) {
     Protected out;
     qsizetype copied = 0;
-    QRegularExpressionMatchIterator it = protectedParts().globalMatch(text);
-    while (it.hasNext()) {
-        const QRegularExpressionMatch match = it.next();
-        out.text += text.sliced(copied, match.capturedStart() - copied);
-        out.tokens.append(match.captured());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const qsizetype length = protectedAt(text, i);
+        if (length == 0)
+            continue;
+        out.text += text.sliced(copied, i - copied);
+        out.tokens.append(text.sliced(i, length).toString());
         out.text += placeholder(out.tokens.size());
-        copied = match.capturedEnd();
+        i += length - 1;
+        copied = i + 1;
     }
     out.text += text.sliced(copied);
     return out;
@@ -45,15 +74,15 @@ Protected protect(QStringView text) {
 QString restore(QStringView text, const QStringList& tokens) {
     QString out;
     qsizetype copied = 0;
-    QRegularExpressionMatchIterator it = placeholderPattern().globalMatch(text);
-    while (it.hasNext()) {
-        const QRegularExpressionMatch match = it.next();
-        out += text.sliced(copied, match.capturedStart() - copied);
-        bool ok = false;
-        const qsizetype number = match.capturedView(1).toLongLong(&ok);
-        if (ok && number >= 1 && number <= tokens.size())
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const auto [length, number] = placeholderAt(text, i);
+        if (length == 0)
+            continue;
+        out += text.sliced(copied, i - copied);
+        if (number >= 1 && number <= tokens.size())
             out += tokens[number - 1];
-        copied = match.capturedEnd();
+        i += length - 1;
+        copied = i + 1;
     }
     out += text.sliced(copied);
     return out;

@@ -131,6 +131,10 @@ Translator::Translator(std::shared_ptr<const TranslationBackend> backend, QStrin
         throw std::invalid_argument("Translator needs a backend, batches and workers");
 }
 
+bool Translator::isTranslatable(const QString& text) {
+    return !nothingToTranslate(text);
+}
+
 QString Translator::prompt(const QStringList& texts, const QList<qsizetype>& indices) const {
     const qsizetype first = indices.first();
     const qsizetype contextStart = std::max<qsizetype>(0, first - m_contextLines);

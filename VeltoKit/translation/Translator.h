@@ -39,6 +39,9 @@ public:
                SpanishVariant variant, qint64 batchSize, qint64 contextLines, qint64 concurrency,
                std::shared_ptr<TranslationCache> cache);
 
+    // False for the texts translateAll keeps as they are without asking the engine.
+    static bool isTranslatable(const QString& text);
+
     QString systemPrompt() const { return m_systemPrompt; }
     // The request for the texts at `indices` (positions into `texts`, in order, never empty),
     // preceded by up to contextLines source lines as context.

@@ -35,7 +35,7 @@ ChatCompletionsServer::ChatCompletionsServer(Behaviour behaviour)
             QByteArray::fromStdString(request.get_header_value("Authorization"));
         std::lock_guard lock(m_mutex);
         m_authorizations.append(header);
-        if (header == "Bearer " + m_behaviour.key.toUtf8())
+        if (m_behaviour.key.isEmpty() || header == "Bearer " + m_behaviour.key.toUtf8())
             return true;
         response.status = 401;
         response.set_content(R"({"error":{"message":"Incorrect API key provided"}})",

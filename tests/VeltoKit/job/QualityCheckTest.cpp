@@ -1,0 +1,161 @@
+#include "VeltoKit/job/QualityCheck.h"
+
+#include <gtest/gtest.h>
+
+#include "VeltoKit/subtitles/AssDocument.h"
+#include "VeltoKit/subtitles/SrtDocument.h"
+
+using namespace velto;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Pair {
+    QString source;
+    QString translation;
+    bool expected;
+};
+
+QString letters(qsizetype count) {
+    return QString(count, u'a');
+}
+
+} // namespace
+
+TEST(QualityCheck, UntranslatedSetsAsideTagsCaseBlanksAndPunctuationButNotShortLinesOrNames) {
+    const QList<Pair> pairs = {
+        {u"Where are you going?"_s, u"Where are you going?"_s, true},
+        {u"<i>Where are you going?</i>"_s, u"where are you  going"_s, true},
+        {u"{\\i1}Where are you{\\i0}\\Ngoing?"_s, u"Where are\nyou going!"_s, true},
+        {u"⟪1⟫I don't know him.⟪2⟫"_s, u"I don't know him."_s, true},
+        {u"WHERE ARE YOU?"_s, u"WHERE ARE YOU?"_s, true},
+        {u"Where are you going?"_s, u"¿Adónde vas?"_s, false},
+        {u"Come here, now."_s, u"[ES] Come here, now."_s, false},
+        {u"OK."_s, u"OK."_s, false},
+        {u"¡Sí!"_s, u"¡Sí!"_s, false},
+        {u"2019"_s, u"2019"_s, false},
+        {u"1, 2, 3, 4"_s, u"1, 2, 3, 4"_s, false},
+        {u"John Paul Jones"_s, u"John Paul Jones"_s, false},
+        {u"¿Dónde está Juan ahora?"_s, u"¿Dónde está Juan ahora?"_s, false},
+    };
+    for (const Pair& pair : pairs)
+        EXPECT_EQ(QualityCheck::isUntranslated(pair.source, pair.translation), pair.expected)
+            << pair.source.toStdString();
+}
+
+TEST(QualityCheck, LostIsEmptyOrUnderAThirdOfALineOfThreeWords) {
+    const QList<Pair> pairs = {
+        {u"Where are you going?"_s, u""_s, true},
+        {u"Where are you going?"_s, u"<i> </i>{\\i1}"_s, true},
+        {u"OK."_s, u"\n"_s, true},
+        {u"Where are you going?"_s, u"¿Y?"_s, true},
+        {u"Where are you going?"_s, u"¿Adónde?"_s, false},
+        {u"Thank you so much."_s, u"Gracias"_s, false},
+        {u"Hello!"_s, u"¡Ey!"_s, false},
+    };
+    for (const Pair& pair : pairs)
+        EXPECT_EQ(QualityCheck::isLost(pair.source, pair.translation), pair.expected)
+            << pair.translation.toStdString();
+}
+
+TEST(QualityCheck, SpeedCountsVisibleCharactersAndLinesCountVisibleLines) {
+    const QString twenty = letters(20);
+    const QList<Pair> fast = {
+        {letters(40), u""_s, false},
+        {letters(41), u""_s, true},
+        {u"<i>"_s + letters(40) + u"</i>"_s, u""_s, false},
+        {u"{\\an8}"_s + letters(40), u""_s, false},
+        {twenty + u"\n"_s + twenty, u""_s, true},
+        {twenty + u"\\N"_s + twenty, u""_s, true},
+    };
+    for (const Pair& pair : fast) {
+        EXPECT_EQ(QualityCheck::readsTooFast(
+                      {.startMs = 1000, .endMs = 3000, .translation = pair.source}),
+                  pair.expected)
+            << pair.source.toStdString();
+    }
+    EXPECT_FALSE(QualityCheck::readsTooFast({.translation = letters(200)})) << "no times";
+
+    const QList<Pair> long_ = {
+        {letters(42), u""_s, false},
+        {letters(43), u""_s, true},
+        {u"<font color=\"#fff\">"_s + letters(42) + u"</font>"_s, u""_s, false},
+        {letters(42) + u"\n"_s + letters(42), u""_s, false},
+        {u"- Uno.\n- Dos.\n- Tres."_s, u""_s, true},
+        {u"Uno\\NDos\\NTres"_s, u""_s, true},
+        {u"Uno\n\nDos\n"_s, u""_s, false},
+    };
+    for (const Pair& pair : long_)
+        EXPECT_EQ(QualityCheck::hasLongLines(pair.source), pair.expected)
+            << pair.source.toStdString();
+}
+
+TEST(QualityCheck, WarningsNameUpToFiveCuesByNumberAndStartTime) {
+    auto finding = [](QualityIssue issue, qint64 number, qint64 start) {
+        return QualityFinding{issue, {.number = number, .startMs = start}};
+    };
+    EXPECT_EQ(QualityCheck::warnings({finding(QualityIssue::untranslated, 12, 62'999)}),
+              QStringList{u"1 subtítulo quedó sin traducir: #12 (1:02)."_s});
+    EXPECT_EQ(QualityCheck::warnings({finding(QualityIssue::lineLength, 3, 0),
+                                      finding(QualityIssue::untranslated, 12, 62'000),
+                                      finding(QualityIssue::untranslated, 48, 250'000),
+                                      finding(QualityIssue::untranslated, 97, 513'000)}),
+              (QStringList{u"3 subtítulos quedaron sin traducir: #12 (1:02), #48 (4:10), "
+                           u"#97 (8:33)."_s,
+                           u"1 subtítulo tiene renglones de más de 42 caracteres o más de dos "
+                           u"renglones: #3 (0:00)."_s}));
+    QList<QualityFinding> many;
+    for (qint64 n = 1; n <= 8; ++n)
+        many.append(finding(QualityIssue::readingSpeed, n, 3'600'000 + n * 61'000));
+    EXPECT_EQ(QualityCheck::warnings(many),
+              QStringList{u"8 subtítulos se leen a más de 20 caracteres por segundo: #1 "
+                          u"(1:01:01), #2 (1:02:02), #3 (1:03:03), #4 (1:04:04), #5 (1:05:05) "
+                          u"y 3 más."_s});
+    EXPECT_EQ(QualityCheck::warnings({finding(QualityIssue::lost, 4, 9'500)}),
+              QStringList{u"1 subtítulo quedó vacío o incompleto: #4 (0:09)."_s});
+    EXPECT_EQ(QualityCheck::warnings({}), QStringList());
+}
+
+TEST(QualityCheck, ReadsTheTimesOfEveryDocumentKind) {
+    EXPECT_EQ(QualityCheck::milliseconds(u"00:01:02,500"), 62'500);
+    EXPECT_EQ(QualityCheck::milliseconds(u"0:01:02.50"), 62'500);
+    EXPECT_EQ(QualityCheck::milliseconds(u" 01:02.5 "), 62'500);
+    EXPECT_EQ(QualityCheck::milliseconds(u"100:00:00,000"), 360'000'000);
+    for (const QString& bad : {u"soon"_s, u"62.5"_s, u"1:2:3:4"_s, u"00:01:-2,500"_s})
+        EXPECT_EQ(QualityCheck::milliseconds(bad), std::nullopt) << bad.toStdString();
+
+    // Comments have timings but no text, a drawing is never sent; placeholders come back as
+    // the track holds them.
+    const QString drawing = u"{\\an8}m 0 0 l 100 0 100 100 0 100 0 0 l 100 0 100 100 0 100"_s;
+    const AssDocument ass = AssDocument::parse(
+        u"[Events]\nFormat: Layer, Start, End, Style, Text\n"
+        "Comment: 0,0:00:00.00,0:00:01.00,Default,nota\n"
+        "Dialogue: 0,0:00:00.00,0:00:01.00,Default,"_s +
+        drawing +
+        u"\n"
+        "Dialogue: 0,0:01:02.50,0:01:04.00,Default,{\\i1}Hello{\\i0}\\Nthere, friend.\n"_s);
+    const QList<CheckedCue> cues =
+        QualityCheck::cues(ass, {ass.texts().value(0), u"⟪1⟫Hola⟪2⟫⟪3⟫amigo."_s});
+    ASSERT_EQ(cues.size(), 1);
+    EXPECT_EQ(cues[0].number, 2);
+    EXPECT_EQ(cues[0].startMs, 62'500);
+    EXPECT_EQ(cues[0].endMs, 64'000);
+    EXPECT_EQ(cues[0].translation, u"{\\i1}Hola{\\i0}\\Namigo."_s);
+    EXPECT_EQ(QualityCheck::visibleText(cues[0].translation), u"Hola\namigo."_s);
+}
+
+TEST(QualityCheck, LooksOnlyAtSentCuesAndReportsAnUnreadableLineForOneReason) {
+    const SrtDocument srt = SrtDocument::parse(
+        u"1\n00:00:01,000 --> 00:00:02,000\n{\\p1}m 0 0 l 10 0{\\p0}\n\n"
+        "2\n00:00:03,000 --> 00:00:04,000\nWhere are you going now, my old friend?\n\n"
+        "3\n00:00:05,000 --> 00:00:06,000\nYes.\n\n"_s);
+    const QList<QualityFinding> findings = QualityCheck::inspect(QualityCheck::cues(
+        srt, {u"{\\p1}m 0 0 l 10 0{\\p0}"_s, u"Where are you going now, my old friend?"_s,
+              u"Sí, claro que sí, por supuesto que sí, sin ninguna duda, amigo mío."_s}));
+    QList<std::pair<QualityIssue, qint64>> seen;
+    for (const QualityFinding& finding : findings)
+        seen.append({finding.issue, finding.cue.number});
+    EXPECT_EQ(seen, (QList<std::pair<QualityIssue, qint64>>{{QualityIssue::untranslated, 2},
+                                                            {QualityIssue::readingSpeed, 3},
+                                                            {QualityIssue::lineLength, 3}}));
+}
