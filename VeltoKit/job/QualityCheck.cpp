@@ -291,9 +291,8 @@ QList<CheckedCue> cues(const SubtitleDocument& source, const QStringList& transl
                               ? AssPlaceholders::restore(
                                     translations[k], AssPlaceholders::protect(written[k]).tokens)
                               : translations[k];
-        // A text the translator never sends comes back as it was; only those need the question.
-        if (cue.translation == cue.source &&
-            !Translator::isTranslatable(ass ? AssPlaceholders::protect(written[k]).text
+        // Only what was sent is checked: the translator keeps the rest as it was.
+        if (!Translator::isTranslatable(ass ? AssPlaceholders::protect(written[k]).text
                                             : written[k]))
             continue;
         // Fields 1 and 2 are the start and end for every kind of document.

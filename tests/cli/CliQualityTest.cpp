@@ -21,7 +21,7 @@ class CliQualityTest : public testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(m_root.isValid());
-        QDir(m_root.path()).mkpath(u"tmp"_s);
+        QDir(m_root.path()).mkpath(u"tmpdir"_s);
         m_environment = QProcessEnvironment::systemEnvironment();
         for (const QString& home : {u"TMPDIR"_s, u"XDG_DATA_HOME"_s, u"XDG_CONFIG_HOME"_s})
             m_environment.insert(home, path(home.toLower()));

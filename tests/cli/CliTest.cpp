@@ -59,7 +59,7 @@ protected:
         for (const QString& name :
              QDir(m_root.path())
                  .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
-            if (!expected.contains(name) && name != u"tmp" && name != u"data")
+            if (!expected.contains(name) && name != u"tmp" && name != u"data" && name != u"config")
                 found.append(name);
         }
         return found;
