@@ -285,3 +285,41 @@ TEST_F(MainWindowTest, StrippingShowsItsCountAndClosingDuringAJobLeavesNothing) 
 }
 
 } // namespace
+
+namespace {
+
+// A dark palette as a dark desktop theme gives it, to see that every text stays readable.
+QPalette darkPalette() {
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(0x2b, 0x2b, 0x2e));
+    dark.setColor(QPalette::WindowText, QColor(0xe8, 0xe8, 0xea));
+    dark.setColor(QPalette::Base, QColor(0x1f, 0x1f, 0x22));
+    dark.setColor(QPalette::AlternateBase, QColor(0x34, 0x34, 0x38));
+    dark.setColor(QPalette::Text, QColor(0xe8, 0xe8, 0xea));
+    dark.setColor(QPalette::Button, QColor(0x3a, 0x3a, 0x3e));
+    dark.setColor(QPalette::ButtonText, QColor(0xe8, 0xe8, 0xea));
+    dark.setColor(QPalette::Highlight, QColor(0x3d, 0x7e, 0xe0));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    dark.setColor(QPalette::Link, QColor(0x7a, 0xb0, 0xff));
+    dark.setColor(QPalette::Mid, QColor(0x5a, 0x5a, 0x60));
+    dark.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9a, 0xa2));
+    dark.setColor(QPalette::Disabled, QPalette::Text, QColor(0x80, 0x80, 0x86));
+    dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x80, 0x80, 0x86));
+    dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x80, 0x80, 0x86));
+    return dark;
+}
+
+TEST_F(MainWindowTest, DarkPaletteScreenshots) {
+    const QPalette light = QApplication::palette();
+    QApplication::setPalette(darkPalette());
+    snapshot(u"idle-dark"_s);
+    openReady(work.video(u"Película.mkv"_s, {track(u"eng"_s, u"English"_s), track(u"spa"_s)}));
+    snapshot(u"ready-dark"_s);
+    QTest::keyClick(&window(), Qt::Key_Return);
+    ASSERT_TRUE(reaches(Kind::failed));
+    EXPECT_EQ(window().failureView()->message()->text(), JobError::alreadySpanish().description());
+    snapshot(u"failed-dark"_s);
+    QApplication::setPalette(light);
+}
+
+} // namespace
