@@ -55,6 +55,9 @@ void AppShell::openArguments(const QStringList& arguments) {
 
 void AppShell::show() {
     m_window->show();
+    // Without a window manager nobody else gives the new window the keyboard.
+    m_window->raise();
+    m_window->activateWindow();
     m_state->checkTools(*m_preferences);
 }
 

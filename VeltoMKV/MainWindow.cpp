@@ -1,5 +1,7 @@
 #include "VeltoMKV/MainWindow.h"
 
+#include <utility>
+
 #include <QAction>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
@@ -175,6 +177,11 @@ void MainWindow::showPhase() {
         m_progressView->stopClock();
     if (kind == Phase::Kind::ready)
         m_jobView->refreshEngine();
+    if (kind != Phase::Kind::inspecting && std::exchange(m_startWhenReady, false) &&
+        kind == Phase::Kind::ready) {
+        startJob();
+        return;
+    }
     // The page's main button takes the focus, so the keyboard starts where the eye does.
     QPushButton* focus = nullptr;
     switch (kind) {
@@ -261,6 +268,8 @@ void MainWindow::returnPressed() {
         m_failureView->retryButton()->click();
         break;
     case Phase::Kind::inspecting:
+        m_startWhenReady = true;
+        break;
     case Phase::Kind::working:
         break;
     }

@@ -69,6 +69,8 @@ private:
     QWidget* m_ffmpegRow;
     QLabel* m_ffmpegText;
     EngineChooser* m_engineChooser = nullptr;
+    // Return came while the file was still being read: start as soon as it is ready.
+    bool m_startWhenReady = false;
 };
 
 } // namespace velto

@@ -195,6 +195,14 @@ TEST_F(MainWindowTest, AFileWithoutSubtitlesFailsWithTheExactSentence) {
     EXPECT_FALSE(state().sourceURL());
 }
 
+TEST_F(MainWindowTest, AFileHandedOverStartsOnReturnEvenWhileItIsBeingRead) {
+    shell.relay().setPending(work.video(u"Handed.mkv"_s, {track(u"eng"_s)}));
+    EXPECT_EQ(state().phase().kind(), Kind::inspecting);
+    QTest::keyClick(&window(), Qt::Key_Return);
+    ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
+    EXPECT_TRUE(QFileInfo::exists(work.path(u"Handed.es.mkv"_s)));
+}
+
 TEST_F(MainWindowTest, ASecondFileDroppedOnTheReadyWindowReplacesTheFirst) {
     openReady(work.video(u"First.mkv"_s, {track(u"eng"_s), track(u"spa"_s)}));
     JobView* view = window().jobView();
