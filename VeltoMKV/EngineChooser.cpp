@@ -23,10 +23,14 @@ EngineChooser::EngineChooser(Preferences& preferences, QWidget* parent)
     layout->addWidget(Look::heading(QStringLiteral("Motor de traducción"), this));
 
     m_list = new QListWidget(this);
+    const int rowHeight = fontMetrics().height() * 2;
     for (const Provider& provider : Provider::all()) {
         auto* item = new QListWidgetItem(provider.name, m_list);
         item->setData(Qt::UserRole, provider.id);
+        item->setSizeHint(QSize(0, rowHeight));
     }
+    m_list->setFixedHeight(static_cast<int>(Provider::all().size()) * rowHeight +
+                           2 * m_list->frameWidth());
     m_list->setCurrentRow(static_cast<int>(Provider::all().indexOf(m_preferences.provider())));
     layout->addWidget(m_list);
     m_note = Look::secondary(QString(), this);
@@ -45,7 +49,7 @@ EngineChooser::EngineChooser(Preferences& preferences, QWidget* parent)
         showChoice();
     });
     showChoice();
-    resize(560, 480);
+    resize(560, sizeHint().height());
 }
 
 void EngineChooser::showChoice() {

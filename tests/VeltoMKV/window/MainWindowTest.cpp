@@ -23,15 +23,18 @@
 
 #include "VeltoKit/job/JobError.h"
 #include "VeltoKit/platform/PlatformText.h"
+#include "VeltoKit/providers/Provider.h"
 #include "VeltoMKV/AppShell.h"
 #include "VeltoMKV/AppTesting.h"
 #include "VeltoMKV/DropZone.h"
+#include "VeltoMKV/EngineChooser.h"
 #include "VeltoMKV/FailureView.h"
 #include "VeltoMKV/JobView.h"
 #include "VeltoMKV/OpenFileRelay.h"
 #include "VeltoMKV/OptionsPanel.h"
 #include "VeltoMKV/ProgressView.h"
 #include "VeltoMKV/ResultView.h"
+#include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
 
 using namespace velto;
@@ -266,6 +269,26 @@ TEST_F(MainWindowTest, OptionsAndEngineLineFollowThePreferences) {
     QTest::keyClick(&window(), Qt::Key_Return);
     EXPECT_EQ(state().phase().kind(), Kind::ready);
     snapshot(u"ready-no-engine"_s);
+
+    // The engine button presents the settings; choosing the echo engine there readies the line.
+    QPushButton* choose = nullptr;
+    for (QPushButton* button : window().findChildren<QPushButton*>()) {
+        if (button->text() == u"Elegir el motor de traducción"_s)
+            choose = button;
+    }
+    QTest::mouseClick(choose, Qt::LeftButton);
+    EXPECT_TRUE(shell.settings().isPresented());
+    auto* chooser = window().findChild<EngineChooser*>();
+    ASSERT_TRUE(chooser && chooser->isVisible());
+    chooser->providerList()->setCurrentRow(
+        static_cast<int>(Provider::all().indexOf(Provider::echo())));
+    EXPECT_EQ(shell.preferences().providerIDStorage(), u"echo"_s);
+    EXPECT_TRUE(view->startButton()->isEnabled());
+    EXPECT_EQ(view->engineLine()->text(), shell.preferences().engineConfiguration().summary());
+    chooser->grab().save(QStringLiteral(VELTO_BINARY_DIR "/screenshots/settings-placeholder-") +
+                         QString::number(qRound(chooser->devicePixelRatioF() * 100)) + u".png"_s);
+    chooser->accept();
+    EXPECT_FALSE(shell.settings().isPresented());
 }
 
 TEST_F(MainWindowTest, StrippingShowsItsCountAndClosingDuringAJobLeavesNothing) {
