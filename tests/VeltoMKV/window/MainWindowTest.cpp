@@ -257,6 +257,8 @@ TEST_F(MainWindowTest, OptionsAndEngineLineFollowThePreferences) {
     EXPECT_EQ(options->batchSizeStepper()->value(), 25);
     options->variantPicker()->setCurrentIndex(1);
     EXPECT_EQ(shell.preferences().variantRaw(), u"rioplatense"_s);
+    QTest::mouseClick(view->optionsDisclosure(), Qt::LeftButton);
+    EXPECT_FALSE(options->isVisible());
 
     // An engine that cannot run turns the line into its missing requirement and holds the button.
     shell.preferences().setProviderIDStorage(u"anthropic"_s);
