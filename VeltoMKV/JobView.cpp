@@ -63,6 +63,7 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     // main button stays where it is.
     auto* scroll = new QScrollArea(this);
     scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);
     scroll->setWidgetResizable(true);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto* content = new QWidget(scroll);
@@ -191,11 +192,7 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     footer->addWidget(m_start);
     page->addLayout(footer);
 
-    setTabOrder(m_tracks, m_force);
-    setTabOrder(m_force, m_disclosure);
-    setTabOrder(m_disclosure, chooseEngine);
-    setTabOrder(chooseEngine, saveAs);
-    setTabOrder(saveAs, m_start);
+    // Creation order is reading order; only the way out, created first, goes last.
     setTabOrder(m_start, close);
 
     connect(&m_state, &AppState::sourceURLChanged, this, &JobView::showFile);

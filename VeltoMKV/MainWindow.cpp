@@ -177,6 +177,13 @@ void MainWindow::showPhase() {
         m_progressView->stopClock();
     if (kind == Phase::Kind::ready)
         m_jobView->refreshEngine();
+    // A file handed over during a job opens once the job is over, after its result was seen.
+    const bool settled =
+        kind == Phase::Kind::idle || kind == Phase::Kind::ready || kind == Phase::Kind::failed;
+    if (settled && m_relay.pending()) {
+        takePendingFile();
+        return;
+    }
     if (kind != Phase::Kind::inspecting && std::exchange(m_startWhenReady, false) &&
         kind == Phase::Kind::ready) {
         startJob();

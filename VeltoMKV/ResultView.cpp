@@ -63,6 +63,7 @@ ResultView::ResultView(AppState& state, QWidget* parent)
     panel->addLayout(panelHeader);
     auto* scroll = new QScrollArea(m_warnings);
     scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);
     scroll->setWidgetResizable(true);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scroll->viewport()->setAutoFillBackground(false);
