@@ -7,6 +7,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QFileOpenEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QMimeData>
@@ -176,7 +177,8 @@ TEST_F(MainWindowTest, EscapeCancelsAndTheFileAndChosenTrackStay) {
 }
 
 TEST_F(MainWindowTest, AFileWithoutSubtitlesFailsWithTheExactSentence) {
-    shell.relay().setPending(work.video(u"Silent.mkv"_s, {}));
+    // As `veltomkv Silent.mkv` from a terminal.
+    shell.openArguments({u"-style=fusion"_s, work.video(u"Silent.mkv"_s, {})});
     ASSERT_TRUE(reaches(Kind::failed));
     FailureView* failure = window().failureView();
     EXPECT_EQ(window().currentPage(), failure);
@@ -199,7 +201,9 @@ TEST_F(MainWindowTest, AFileWithoutSubtitlesFailsWithTheExactSentence) {
 }
 
 TEST_F(MainWindowTest, AFileHandedOverStartsOnReturnEvenWhileItIsBeingRead) {
-    shell.relay().setPending(work.video(u"Handed.mkv"_s, {track(u"eng"_s)}));
+    // What macOS sends when a video is opened with the app.
+    QFileOpenEvent open(work.video(u"Handed.mkv"_s, {track(u"eng"_s)}));
+    QApplication::sendEvent(qApp, &open);
     EXPECT_EQ(state().phase().kind(), Kind::inspecting);
     QTest::keyClick(&window(), Qt::Key_Return);
     ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
