@@ -1,5 +1,6 @@
 #include "VeltoMKV/state/AppState.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QSignalSpy>
 
@@ -8,6 +9,7 @@
 #include "VeltoKit/job/JobError.h"
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AppTesting.h"
+#include "support/Eventually.h"
 
 using namespace velto;
 using namespace velto::AppTesting;
@@ -113,8 +115,10 @@ TEST_F(AppStateTest, CancellingKeepsTheFileAndTrackAndLeavesNothingBehind) {
     EXPECT_EQ(state.detail(), QString());
     EXPECT_EQ(state.progress(), std::nullopt);
     ASSERT_TRUE(settles());
-    // The late end of the cancelled run changed nothing.
+    // The late reports and end of the cancelled run changed nothing.
     EXPECT_EQ(state.phase().kind(), Kind::ready);
+    EXPECT_EQ(state.detail(), QString());
+    EXPECT_EQ(state.progress(), std::nullopt);
     EXPECT_EQ(state.sourceURL(), video);
     EXPECT_EQ(state.selectedTrack(), 2);
     EXPECT_FALSE(state.result());
@@ -123,6 +127,26 @@ TEST_F(AppStateTest, CancellingKeepsTheFileAndTrackAndLeavesNothingBehind) {
     // And the same file starts again.
     state.start(*work.preferences);
     ASSERT_TRUE(reaches(Kind::finished)) << state.phase().message().toStdString();
+}
+
+TEST_F(AppStateTest, ReportsQueuedBeforeACancelAreDropped) {
+    open(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
+    // The job makes its working folder right after its first report: once the folder shows,
+    // that report is queued here, and this thread has not looked at it yet.
+    const QTemporaryDir scratch;
+    const QByteArray temporary = qgetenv("TMPDIR");
+    qputenv("TMPDIR", scratch.path().toUtf8());
+    state.start(*work.preferences);
+    const bool working = eventually([&] {
+        return !QDir(scratch.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot).isEmpty();
+    });
+    state.cancel();
+    qputenv("TMPDIR", temporary);
+    ASSERT_TRUE(working);
+    ASSERT_TRUE(settles());
+    EXPECT_EQ(state.phase().kind(), Kind::ready);
+    EXPECT_EQ(state.detail(), QString());
+    EXPECT_EQ(work.entries(), QStringList{u"Movie.mkv"_s});
 }
 
 TEST_F(AppStateTest, ResetDuringAJobForgetsEverything) {
