@@ -102,7 +102,8 @@ void ProgressView::showProgress() {
 }
 
 void ProgressView::tick() {
-    m_elapsed->setText(Format::elapsed(m_clock.isValid() ? m_clock.elapsed() / 1000.0 : 0.0));
+    m_elapsed->setText(
+        Format::elapsed(m_clock.isValid() ? static_cast<double>(m_clock.elapsed()) / 1000.0 : 0.0));
 }
 
 } // namespace velto

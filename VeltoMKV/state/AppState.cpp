@@ -52,7 +52,7 @@ void AppState::checkTools(const Preferences& preferences) {
             return;
         QString version;
         try {
-            version = tools->version(stop);
+            version = tools->version(std::move(stop));
         } catch (const std::exception&) {
             // No version is no reason to doubt the tools; the status says it was found.
         }
@@ -102,7 +102,7 @@ void AppState::load(const QString& url, const Preferences& preferences) {
             return;
         }
         try {
-            const MediaInfo info = tools->inspect(url, stop);
+            const MediaInfo info = tools->inspect(url, std::move(stop));
             post([this, run, url, info, tools] {
                 if (run != m_run)
                     return;
@@ -165,7 +165,7 @@ void AppState::start(const Preferences& preferences) {
             });
         };
         try {
-            const JobResult result = job.run(source, onUpdate, stop);
+            const JobResult result = job.run(source, onUpdate, std::move(stop));
             post([this, run, result] {
                 if (run != m_run)
                     return;

@@ -46,7 +46,7 @@ BackgroundTasks::Id BackgroundTasks::launch(Work work) {
             };
             // What the work holds (a backend, a job) is released before the
             // task says it ended.
-            std::exchange(work, {})(stop, post);
+            std::exchange(work, {})(std::move(stop), post);
             post([this, id] { ended(id); });
         }));
     return id;
