@@ -21,7 +21,21 @@ namespace velto {
 ResultView::ResultView(AppState& state, QWidget* parent)
     : QWidget(parent)
     , m_state(state) {
-    auto* layout = new QVBoxLayout(this);
+    auto* page = new QVBoxLayout(this);
+    page->setContentsMargins(0, 0, 0, 0);
+    page->setSpacing(Look::rowGap);
+    // Many warnings scroll with the rest; the buttons stay where they are.
+    auto* scroll = new QScrollArea(this);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* content = new QWidget(scroll);
+    scroll->setWidget(content);
+    scroll->viewport()->setBackgroundRole(QPalette::Window);
+    content->setBackgroundRole(QPalette::Window);
+    page->addWidget(scroll, 1);
+    auto* layout = new QVBoxLayout(content);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(Look::rowGap);
 
@@ -61,22 +75,13 @@ ResultView::ResultView(AppState& state, QWidget* parent)
     m_warningsHeader = Look::heading(QString(), m_warnings);
     panelHeader->addWidget(m_warningsHeader, 1);
     panel->addLayout(panelHeader);
-    auto* scroll = new QScrollArea(m_warnings);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidgetResizable(true);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll->viewport()->setAutoFillBackground(false);
-    auto* lines = new QWidget(scroll);
-    lines->setAutoFillBackground(false);
-    m_warningLines = new QVBoxLayout(lines);
+    m_warningLines = new QVBoxLayout();
     m_warningLines->setContentsMargins(0, 0, 0, 0);
     m_warningLines->setSpacing(Look::rowGap / 2);
     m_warningLines->addStretch(1);
-    scroll->setWidget(lines);
-    panel->addWidget(scroll, 1);
-    layout->addWidget(m_warnings, 1);
-    layout->addStretch(0);
+    panel->addLayout(m_warningLines);
+    layout->addWidget(m_warnings);
+    layout->addStretch(1);
 
     auto* footer = new QHBoxLayout();
     footer->setSpacing(Look::rowGap);
@@ -90,7 +95,7 @@ ResultView::ResultView(AppState& state, QWidget* parent)
     m_another = Look::primaryButton(QStringLiteral("Traducir otro"), this);
     connect(m_another, &QPushButton::clicked, this, &ResultView::anotherRequested);
     footer->addWidget(m_another);
-    layout->addLayout(footer);
+    page->addLayout(footer);
     setTabOrder(m_reveal, m_another);
 
     connect(&m_state, &AppState::resultChanged, this, &ResultView::showResult);

@@ -313,6 +313,28 @@ TEST_F(MainWindowTest, OptionsAndEngineLineFollowThePreferences) {
     EXPECT_FALSE(shell.settings().isPresented());
 }
 
+TEST_F(MainWindowTest, TheRunsWarningsShowInTheirPanel) {
+    // A line that reads as a block marker makes the engine's answer unusable for its cue: the
+    // cue stays in English and the run warns about it.
+    auto odd = track(u"eng"_s);
+    odd.lines = {u"Hello there."_s, u"Wait\n#@#9#@#"_s, u"Fine, thanks."_s};
+    openReady(work.video(u"Movie.mkv"_s, {odd}));
+    QTest::keyClick(&window(), Qt::Key_Return);
+    ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
+    const QStringList warnings = state().warnings();
+    ASSERT_GE(warnings.size(), 2);
+    QWidget* panel = window().resultView()->warningsPanel();
+    EXPECT_TRUE(panel->isVisible());
+    QStringList texts;
+    for (QLabel* label : panel->findChildren<QLabel*>())
+        texts << label->text();
+    EXPECT_TRUE(texts.contains(QString::number(warnings.size()) + u" avisos"_s))
+        << texts.join(u'|').toStdString();
+    for (const QString& warning : warnings)
+        EXPECT_TRUE(texts.contains(u"• "_s + warning)) << warning.toStdString();
+    snapshot(u"finished-warnings"_s);
+}
+
 TEST_F(MainWindowTest, StrippingShowsItsCountAndClosingDuringAJobLeavesNothing) {
     shell.preferences().setStripSDH(true);
     auto sdh = track(u"eng"_s);
