@@ -61,19 +61,9 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     page->setSpacing(Look::rowGap);
     // Opening the options may need more room than the window has: the content scrolls and the
     // main button stays where it is.
-    auto* scroll = new QScrollArea(this);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidgetResizable(true);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    auto* content = new QWidget(scroll);
-    scroll->setWidget(content);
-    scroll->viewport()->setBackgroundRole(QPalette::Window);
-    content->setBackgroundRole(QPalette::Window);
-    page->addWidget(scroll, 1);
-    auto* layout = new QVBoxLayout(content);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(Look::rowGap);
+    const Look::ScrollingColumn column = Look::scrollingColumn(this);
+    page->addWidget(column.area, 1);
+    QVBoxLayout* layout = column.layout;
 
     // The file: icon, name and a quiet way out.
     auto* header = new QHBoxLayout();

@@ -5,7 +5,10 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QStyle>
+#include <QVBoxLayout>
 
 namespace velto::Look {
 
@@ -73,6 +76,26 @@ QLabel* iconLabel(const QIcon& icon, int size, QWidget* parent) {
     label->setPixmap(icon.pixmap(QSize(size, size), label->devicePixelRatioF()));
     label->setFixedSize(size, size);
     return label;
+}
+
+ScrollingColumn scrollingColumn(QWidget* parent) {
+    auto* area = new QScrollArea(parent);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidgetResizable(true);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* content = new QWidget(area);
+    area->setWidget(content);
+    area->viewport()->setBackgroundRole(QPalette::Window);
+    content->setBackgroundRole(QPalette::Window);
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(rowGap);
+    QObject::connect(area->verticalScrollBar(), &QScrollBar::rangeChanged, layout,
+                     [layout](int, int maximum) {
+                         layout->setContentsMargins(0, 0, maximum > 0 ? rowGap : 0, 0);
+                     });
+    return {area, layout};
 }
 
 QIcon warningIcon() {

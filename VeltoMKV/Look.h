@@ -5,6 +5,8 @@
 #include <QString>
 
 class QLabel;
+class QScrollArea;
+class QVBoxLayout;
 class QPushButton;
 class QWidget;
 
@@ -31,6 +33,13 @@ QPushButton* primaryButton(const QString& text, QWidget* parent);
 QPushButton* quietButton(const QString& text, QWidget* parent);
 // A label showing a standard icon at text height, sharp at any scale.
 QLabel* iconLabel(const QIcon& icon, int size, QWidget* parent);
+// A frameless scrolling column for a page whose content may outgrow the window; its layout
+// keeps a gap from the scroll bar while one shows.
+struct ScrollingColumn {
+    QScrollArea* area;
+    QVBoxLayout* layout;
+};
+ScrollingColumn scrollingColumn(QWidget* parent);
 QIcon warningIcon();
 // The round mark of a list's chosen row (filled with the accent) or of the others (a ring).
 QIcon choiceMark(bool chosen, const QPalette& palette);

@@ -25,19 +25,9 @@ ResultView::ResultView(AppState& state, QWidget* parent)
     page->setContentsMargins(0, 0, 0, 0);
     page->setSpacing(Look::rowGap);
     // Many warnings scroll with the rest; the buttons stay where they are.
-    auto* scroll = new QScrollArea(this);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidgetResizable(true);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    auto* content = new QWidget(scroll);
-    scroll->setWidget(content);
-    scroll->viewport()->setBackgroundRole(QPalette::Window);
-    content->setBackgroundRole(QPalette::Window);
-    page->addWidget(scroll, 1);
-    auto* layout = new QVBoxLayout(content);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(Look::rowGap);
+    const Look::ScrollingColumn column = Look::scrollingColumn(this);
+    page->addWidget(column.area, 1);
+    QVBoxLayout* layout = column.layout;
 
     auto* header = new QHBoxLayout();
     header->setSpacing(Look::rowGap);
