@@ -111,9 +111,11 @@ TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
     EXPECT_EQ(window().currentPage(), window().dropZone());
     snapshot(u"idle"_s);
 
+    auto image = track(u"fre"_s);
+    image.format = MediaFixtures::SubtitleFormat::pgs;
     const QString video =
         work.video(u"Película.mkv"_s, {track(u"eng"_s, u"SDH"_s, false, true),
-                                       track(u"eng"_s, u"English"_s), track(u"jpn"_s)});
+                                       track(u"eng"_s, u"English"_s), track(u"jpn"_s), image});
     ASSERT_TRUE(drop(window().dropZone(), {QUrl::fromLocalFile(video)}));
     EXPECT_EQ(state().phase().kind(), Kind::inspecting);
     snapshot(u"inspecting"_s);
@@ -121,7 +123,11 @@ TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
 
     JobView* view = window().jobView();
     EXPECT_EQ(window().currentPage(), view);
-    EXPECT_EQ(view->trackList()->count(), 3);
+    EXPECT_EQ(view->trackList()->count(), 4);
+    // The image track says why it cannot be chosen.
+    const QListWidgetItem* pictures = view->trackList()->item(3);
+    EXPECT_TRUE(pictures->text().contains(u"necesita OCR"_s)) << pictures->text().toStdString();
+    EXPECT_FALSE(pictures->flags() & Qt::ItemIsEnabled);
     ASSERT_TRUE(view->trackList()->currentItem());
     EXPECT_TRUE(view->trackList()->currentItem()->text().startsWith(u"#3  inglés  «English»"_s))
         << view->trackList()->currentItem()->text().toStdString();
