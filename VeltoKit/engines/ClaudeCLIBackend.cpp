@@ -151,6 +151,7 @@ QString ClaudeCLIBackend::complete(const QString& system, const QString& prompt,
     options.standardInput = prompt.toUtf8();
     options.workingDirectory = scratch.path();
     options.timeoutSeconds = m_timeout;
+    options.loginShellPath = true;
     ProcessResult result;
     try {
         result = Shell::run(m_binary, arguments(system), options, std::move(stop));

@@ -232,7 +232,8 @@ private:
                 report(JobStage::translating, progressDetail(progress), progress.fraction());
             },
             m_stop);
-        m_result.translatedCount = texts.size() - result.progress.failed;
+        // Blank cues and drawings were kept, not translated.
+        m_result.translatedCount = result.progress.total - result.progress.failed;
         m_result.failedLines = result.progress.failed;
         m_result.warnings = result.warnings;
         return result.translations;

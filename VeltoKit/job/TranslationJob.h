@@ -17,7 +17,8 @@ class TranslationBackend;
 
 // Turns one video into a copy with a new Spanish subtitle track. The source is only read;
 // everything of a run lives in a working directory that is removed on every way out, and the
-// translation cache is the one thing that outlives it, so a cancelled run resumes cheaply.
+// translation cache is the one thing that outlives it, so that a retry in the same run of the
+// program (after a cancel or a failure) skips what was finished.
 class TranslationJob {
 public:
     using UpdateHandler = std::function<void(const JobUpdate&)>;

@@ -1,8 +1,10 @@
 #include "VeltoKit/media/Shell.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cmath>
+#include <mutex>
 
 #include <QDir>
 #include <QFileInfo>
@@ -32,10 +34,26 @@ QStringList splitPath(const QString& value) {
     return value.split(QDir::listSeparator(), Qt::SkipEmptyParts);
 }
 
-QProcessEnvironment childEnvironment() {
+struct LoginShell {
+    std::once_flag read;
+    std::atomic<bool> known = false;
+    QStringList paths;
+};
+
+LoginShell& loginShell() {
+    static LoginShell shell;
+    return shell;
+}
+
+// What loginShellPaths found, without starting the shell when nothing asked for it yet.
+QStringList knownLoginShellPaths() {
+    return loginShellPathsKnown() ? loginShellPaths() : QStringList();
+}
+
+QProcessEnvironment childEnvironment(bool withLoginShell) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     QStringList path = splitPath(environment.value(QStringLiteral("PATH")));
-    path << loginShellPaths() << searchPaths();
+    path << (withLoginShell ? loginShellPaths() : knownLoginShellPaths()) << searchPaths();
     path.removeDuplicates();
     environment.insert(QStringLiteral("PATH"), path.join(QDir::listSeparator()));
     return environment;
@@ -168,11 +186,17 @@ QStringList readLoginShellPaths(const QString& shell) {
 }
 
 const QStringList& loginShellPaths() {
-    static const QStringList paths = [] {
+    LoginShell& login = loginShell();
+    std::call_once(login.read, [&] {
         const QString shell = qEnvironmentVariable("SHELL");
-        return readLoginShellPaths(shell.isEmpty() ? QStringLiteral("/bin/zsh") : shell);
-    }();
-    return paths;
+        login.paths = readLoginShellPaths(shell.isEmpty() ? QStringLiteral("/bin/zsh") : shell);
+        login.known = true;
+    });
+    return login.paths;
+}
+
+bool loginShellPathsKnown() {
+    return loginShell().known;
 }
 
 std::optional<QString> which(const QString& name, const QStringList& directories) {
@@ -198,7 +222,8 @@ std::optional<QString> which(const QString& name) {
 
 ProcessResult run(const QString& executable, const QStringList& arguments,
                   const ShellRunOptions& options, std::stop_token stop) {
-    return runWithEnvironment(executable, arguments, options, stop, childEnvironment());
+    return runWithEnvironment(executable, arguments, options, stop,
+                              childEnvironment(options.loginShellPath));
 }
 
 QString lastLines(const QString& text, int count) {

@@ -39,7 +39,12 @@ QString build(const QList<std::pair<int, QString>>& blocks) {
     return parts.join(u'\n');
 }
 
-std::map<int, QString> split(const QString& response) {
+std::map<int, QString> split(const QString& rawResponse) {
+    // ICU's $ ends a line only before "\n": an answer with Windows line ends would have no
+    // markers at all.
+    QString response = rawResponse;
+    if (response.contains(u'\r'))
+        response.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
     std::map<int, QString> blocks;
     QList<QRegularExpressionMatch> markers;
     for (const QRegularExpressionMatch& match : markerPattern().globalMatch(response))

@@ -20,6 +20,7 @@ const QRegularExpression& markerPattern();
 QString build(const QList<std::pair<int, QString>>& blocks);
 // Cuts an answer back into numbered bodies. Text before the first marker is ignored, a
 // repeated number keeps its last body; the caller checks that every expected number came back.
+// Lines may end in "\r\n", "\r" or "\n"; the bodies come back with "\n" only.
 std::map<int, QString> split(const QString& response);
 
 } // namespace velto::BlockProtocol

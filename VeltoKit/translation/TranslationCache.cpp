@@ -1,5 +1,7 @@
 #include "VeltoKit/translation/TranslationCache.h"
 
+#include <algorithm>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -17,6 +19,16 @@ size_t processSeed() {
     return seed;
 }
 
+// An entry that names the run of the program that wrote the file. Shaped like a key ("0-"
+// and a hash) so the file stays an object of strings, but no text can have it: a key that
+// starts with "0-" hashes the scope alone, and no scope is this text.
+const QString& runMark() {
+    static const QString mark =
+        QStringLiteral("0-") +
+        QString::number(static_cast<qint64>(qHash(QStringLiteral("\u0001run"), processSeed())));
+    return mark;
+}
+
 QHash<QString, QString> readEntries(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -25,6 +37,9 @@ QHash<QString, QString> readEntries(const QString& path) {
     if (!document.isObject())
         return {};
     const QJsonObject object = document.object();
+    // Written by an earlier run: its keys can never match again.
+    if (!object.value(runMark()).isString())
+        return {};
     QHash<QString, QString> entries;
     entries.reserve(object.size());
     for (auto it = object.begin(); it != object.end(); ++it) {
@@ -32,7 +47,27 @@ QHash<QString, QString> readEntries(const QString& path) {
             return {};
         entries.insert(it.key(), it.value().toString());
     }
+    entries.remove(runMark());
     return entries;
+}
+
+void appendJsonString(QByteArray& out, const QString& text) {
+    static constexpr char hex[] = "0123456789abcdef";
+    out += '"';
+    for (const char c : text.toUtf8()) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '"' || c == '\\') {
+            out += '\\';
+            out += c;
+        } else if (byte < 0x20) {
+            out += "\\u00";
+            out += hex[byte >> 4];
+            out += hex[byte & 0xf];
+        } else {
+            out += c;
+        }
+    }
+    out += '"';
 }
 
 } // namespace
@@ -67,21 +102,45 @@ qsizetype TranslationCache::count() const {
 }
 
 void TranslationCache::flush() {
-    // Held across the write so that no put lands between the snapshot and clearing m_dirty.
     std::lock_guard lock(m_mutex);
+    flushLocked();
+}
+
+void TranslationCache::flushIfDue(Clock::time_point now) {
+    std::lock_guard lock(m_mutex);
+    if (!m_dirty || (m_lastFlush && now - *m_lastFlush < flushInterval))
+        return;
+    m_lastFlush = now;
+    flushLocked();
+}
+
+// Called with the lock held across the write, so that no put lands between the snapshot and
+// clearing m_dirty.
+void TranslationCache::flushLocked() {
     if (m_dirty && write())
         m_dirty = false;
 }
 
 bool TranslationCache::write() const {
-    QJsonObject object;
-    for (auto it = m_entries.cbegin(); it != m_entries.cend(); ++it)
-        object.insert(it.key(), it.value());
+    // Written by hand: building a QJsonObject costs a sorted insert per entry.
+    QStringList keys = m_entries.keys();
+    keys.append(runMark());
+    std::sort(keys.begin(), keys.end());
+    QByteArray bytes;
+    bytes.reserve(64 * keys.size());
+    bytes += '{';
+    for (const QString& key : keys) {
+        if (bytes.size() > 1)
+            bytes += ',';
+        appendJsonString(bytes, key);
+        bytes += ':';
+        appendJsonString(bytes, m_entries.value(key));
+    }
+    bytes += '}';
     QDir().mkpath(QFileInfo(m_path).absolutePath());
     QSaveFile file(m_path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    const QByteArray bytes = QJsonDocument(object).toJson(QJsonDocument::Compact);
     return file.write(bytes) == bytes.size() && file.commit();
 }
 

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
-#include <numeric>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -22,16 +21,17 @@ namespace velto {
 
 // What the worker threads of one translateAll share.
 struct Translator::Run {
-    Run(const QStringList& texts, const ProgressHandler& onProgress, std::stop_token callerStop)
+    Run(const QStringList& texts, qsizetype translatable, const ProgressHandler& onProgress,
+        std::stop_token callerStop)
         : texts(texts)
         , results(texts.cbegin(), texts.cend())
-        , state(texts.size(), onProgress)
+        , state(translatable, onProgress)
         , followCaller(std::move(callerStop), [this] { stopSource.request_stop(); }) {}
 
     const QStringList& texts;
     // One slot per text, written only by the worker that owns its batch.
     std::vector<QString> results;
-    // Cache key per text; empty without a cache.
+    // Cache key per text; empty without a cache and for texts that are never sent.
     std::vector<QString> keys;
     TranslatorState state;
     // Stopped by the caller or by the first fatal error, which halts every sibling batch.
@@ -74,14 +74,44 @@ QString systemPromptFor(const QString& sourceLanguage, SpanishVariant variant) {
                           "- Si un bloque ya está en español, devolvelo igual.");
 }
 
-// The ASS override placeholders (⟪0⟫) and HTML-like style tags of a text, in order.
-QStringList formattingMarks(const QString& text) {
+// An ASS override placeholder (⟪0⟫) or an HTML-like style tag.
+const QRegularExpression& markPattern() {
     static const QRegularExpression mark(QStringLiteral("⟪\\d+⟫|</?[A-Za-z][^<>]*>"),
                                          QRegularExpression::UseUnicodePropertiesOption);
+    return mark;
+}
+
+// Most subtitles have no marks at all; this spares them the regular expression.
+bool mayHoldMarks(QStringView text) {
+    return text.contains(u'⟪') || text.contains(u'<');
+}
+
+// The formatting marks of a text, in order.
+QStringList formattingMarks(const QString& text) {
+    if (!mayHoldMarks(text))
+        return {};
     QStringList marks;
-    for (const QRegularExpressionMatch& match : mark.globalMatch(text))
+    for (const QRegularExpressionMatch& match : markPattern().globalMatch(text))
         marks.append(match.captured(0));
     return marks;
+}
+
+// No words for a model: empty, blank, only style marks, or an ASS vector drawing (coordinates
+// after the override tag that turns drawing on, "⟪1⟫m 0 0 l 100 0 100 100"). Sent, the first
+// come back as "[ES]" or worse, and a drawing as "translated" coordinates.
+bool nothingToTranslate(const QString& text) {
+    static const QRegularExpression tagFirst(QStringLiteral("^\\s*⟪\\d+⟫"),
+                                             QRegularExpression::UseUnicodePropertiesOption);
+    static const QRegularExpression drawing(
+        QStringLiteral("^\\s*m(\\s+-?\\d+(\\.\\d+)?){2}(\\s+([mnlbspc]|-?\\d+(\\.\\d+)?))*\\s*$"),
+        QRegularExpression::UseUnicodePropertiesOption);
+    if (!mayHoldMarks(text))
+        return QStringView(text).trimmed().isEmpty();
+    if (QString(text).remove(markPattern()).trimmed().isEmpty())
+        return true;
+    // Tags between drawing commands separate them like spaces.
+    return tagFirst.match(text).hasMatch() &&
+           drawing.match(QString(text).replace(markPattern(), QStringLiteral(" "))).hasMatch();
 }
 
 } // namespace
@@ -128,8 +158,13 @@ Translator::Result Translator::translateAll(const QStringList& texts,
                                             std::stop_token stop) const {
     if (texts.isEmpty())
         return {};
-    Run run(texts, onProgress, std::move(stop));
-    const QList<qsizetype> pending = answerFromCache(run);
+    QList<qsizetype> translatable;
+    for (qsizetype position = 0; position < texts.size(); ++position) {
+        if (!nothingToTranslate(texts[position]))
+            translatable.append(position);
+    }
+    Run run(texts, translatable.size(), onProgress, std::move(stop));
+    const QList<qsizetype> pending = answerFromCache(run, translatable);
     QList<QList<qsizetype>> batches;
     for (qsizetype start = 0; start < pending.size(); start += m_batchSize)
         batches.append(pending.mid(start, m_batchSize));
@@ -138,19 +173,17 @@ Translator::Result Translator::translateAll(const QStringList& texts,
             run.state.progress()};
 }
 
-QList<qsizetype> Translator::answerFromCache(Run& run) const {
-    QList<qsizetype> pending;
+QList<qsizetype> Translator::answerFromCache(Run& run, const QList<qsizetype>& translatable) const {
     if (!m_cache) {
-        pending.resize(run.texts.size());
-        std::iota(pending.begin(), pending.end(), 0);
         run.state.report();
-        return pending;
+        return translatable;
     }
+    QList<qsizetype> pending;
     qint64 hits = 0;
-    run.keys.reserve(run.texts.size());
-    for (qsizetype position = 0; position < run.texts.size(); ++position) {
-        run.keys.push_back(m_cache->key(run.texts[position]));
-        if (std::optional<QString> hit = m_cache->get(run.keys.back())) {
+    run.keys.resize(run.texts.size());
+    for (const qsizetype position : translatable) {
+        run.keys[position] = m_cache->key(run.texts[position]);
+        if (std::optional<QString> hit = m_cache->get(run.keys[position])) {
             run.results[position] = *std::move(hit);
             ++hits;
         } else {
@@ -178,7 +211,7 @@ void Translator::runBatches(Run& run, const QList<QList<qsizetype>>& batches) co
                  batch = next++) {
                 runBatch(run, batches[batch]);
                 if (m_cache)
-                    m_cache->flush();
+                    m_cache->flushIfDue(TranslationCache::Clock::now());
             }
         } catch (const Cancelled&) {
             // Expected once a stop was requested: by the caller, or by a sibling's error.

@@ -20,7 +20,8 @@ class TranslatorState;
 // Turns the texts of one subtitle document into as many Spanish texts, in the same order. Texts
 // are answered from the cache when possible, the rest go to the engine in batches, up to
 // `concurrency` requests at once. A batch whose answer does not fit is retried in halves down to
-// single texts; a text that still gets no usable answer keeps its original wording.
+// single texts; a text that still gets no usable answer keeps its original wording. Texts with no
+// words in them (blank, only style marks, ASS drawings) are kept as they are and never sent.
 class Translator {
 public:
     using ProgressHandler = std::function<void(const TranslationProgress&)>;
@@ -28,6 +29,7 @@ public:
     struct Result {
         QStringList translations; // exactly one per input text
         QStringList warnings;     // in the order they arose
+        // Counts only the texts that had words to translate.
         TranslationProgress progress;
     };
 
@@ -52,7 +54,7 @@ public:
 private:
     struct Run;
 
-    QList<qsizetype> answerFromCache(Run& run) const;
+    QList<qsizetype> answerFromCache(Run& run, const QList<qsizetype>& translatable) const;
     void runBatches(Run& run, const QList<QList<qsizetype>>& batches) const;
     void runBatch(Run& run, const QList<qsizetype>& indices) const;
     QStringList request(const QStringList& texts, const QList<qsizetype>& indices,

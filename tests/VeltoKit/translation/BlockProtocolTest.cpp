@@ -21,6 +21,10 @@ TEST(BlockProtocol, BuildsTextsVerbatimAndSplitsAnswersBackIntoNumberedBodies) {
         {u"#@#1#@#\nhola #@#3#@#\nchau"_s, {{1, u"hola #@#3#@#\nchau"_s}}},
         {u"#@#2#@#\nviejo\n#@#2#@#\nnuevo"_s, {{2, u"nuevo"_s}}},
         {u"Sin marcadores."_s, {}},
+        // Windows and old Mac line ends mark lines too, and come back as "\n".
+        {u"#@#1#@#\r\nHola\r\nchau\r\n#@#2#@#\r\n\r\nDos\r\n"_s,
+         {{1, u"Hola\nchau"_s}, {2, u"Dos"_s}}},
+        {u"#@#1#@#\rUno\r#@#2#@# \rDos\r"_s, {{1, u"Uno"_s}, {2, u"Dos"_s}}},
         // A number too big to parse still ends the block before it.
         {u"#@#1#@#\na\n#@#99999999999#@#\nb"_s, {{1, u"a"_s}}},
     };

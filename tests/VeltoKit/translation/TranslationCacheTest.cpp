@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -54,8 +56,48 @@ TEST(TranslationCache, StartsEmptyFromUnreadableFilesAndWritesPutsUntilAWriteSuc
     cache.flush();
     ASSERT_TRUE(QDir(dir.path()).rmdir(u"video.json"_s));
     cache.flush();
-    EXPECT_EQ(readAll(path), "{\"k\":\"v\"}"_ba);
     EXPECT_EQ(TranslationCache(path, u"s"_s).get(u"k"_s), u"v"_s);
+}
+
+TEST(TranslationCache, KeepsOnlyThisRunsEntriesAndReadsBackWhatItWrote) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(u"video.json"_s);
+    // What an earlier run of the program left: valid, but its keys can never match again.
+    writeAll(path, R"({"5-77":"viejo"})"_ba);
+    TranslationCache cache(path, u"s"_s);
+    EXPECT_EQ(cache.count(), 0);
+    const QString nasty = u"\"¡Corré!\" \\ ⟪1⟫\n\t\u0001 😀"_s;
+    cache.put(cache.key(u"Run!"_s), nasty);
+    cache.flush();
+    const QJsonObject written = QJsonDocument::fromJson(readAll(path)).object();
+    EXPECT_EQ(written.size(), 2); // the entry and the mark of this run
+    EXPECT_FALSE(written.contains(u"5-77"_s));
+    const TranslationCache reopened(path, u"s"_s);
+    EXPECT_EQ(reopened.count(), 1);
+    EXPECT_EQ(reopened.get(cache.key(u"Run!"_s)), nasty);
+}
+
+TEST(TranslationCache, FlushIfDueWritesAtMostOncePerIntervalAndOnlyChanges) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(u"video.json"_s);
+    const auto stored = [&] { return TranslationCache(path, u"s"_s).count(); };
+    TranslationCache cache(path, u"s"_s);
+    const TranslationCache::Clock::time_point start;
+    const auto interval = TranslationCache::flushInterval;
+    cache.flushIfDue(start);
+    EXPECT_FALSE(QFile::exists(path));
+    const std::pair<TranslationCache::Clock::duration, qsizetype> rows[] = {
+        {{}, 1},       {interval / 2, 1},     {interval - std::chrono::nanoseconds(1), 1},
+        {interval, 4}, {interval * 3 / 2, 4}, {interval * 2, 6}};
+    for (const auto& [after, expected] : rows) {
+        cache.put(QString::number(cache.count()), u"v"_s);
+        cache.flushIfDue(start + after);
+        EXPECT_EQ(stored(), expected) << after.count();
+    }
+    // Nothing new: nothing written.
+    ASSERT_TRUE(QFile::remove(path));
+    cache.flushIfDue(start + interval * 10);
+    EXPECT_FALSE(QFile::exists(path));
 }
 
 TEST(TranslationCache, ClearAllRemovesOnlyFilesEndingInLowerCaseJson) {

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "VeltoKit/core/VeltoError.h"
+#include "VeltoKit/subtitles/AssPlaceholders.h"
 #include "VeltoKit/translation/BlockProtocol.h"
 #include "VeltoKit/translation/TranslationBackend.h"
 #include "VeltoKit/translation/TranslationCache.h"
@@ -164,6 +165,32 @@ TEST_F(TranslatorTest, BatchesOnlyTheTextsMissingFromTheCacheAndReportsProgress)
     // Everything is cached now: the engine is not asked again.
     EXPECT_EQ(run(texts, 2, 1, shared).progress, (TranslationProgress{6, 6, 6, 0}));
     EXPECT_EQ(requests.size(), 2);
+}
+
+TEST_F(TranslatorTest, KeepsTextsWithoutWordsAsTheyAreAndCountsOnlyTheOthers) {
+    const QStringList kept = {u""_s,
+                              u" \n\t\u00a0"_s,
+                              u"<i></i>"_s,
+                              u"⟪1⟫⟪2⟫"_s,
+                              AssPlaceholders::protect(u"{\\p1}m 0 0 l 100 0 100 100{\\p0}").text,
+                              u" ⟪1⟫ m 10.5 -3 b 1 2 3 4 5 6⟪2⟫⟪3⟫m 0 0 n 1 1 c "_s};
+    // Words after a drawing, or coordinates without the tag that would draw them, are shown.
+    const QStringList sent = {u"⟪1⟫m 0 0 l 100 0⟪2⟫Hola"_s, u"m 0 0 l 10 10"_s, u"Mm"_s,
+                              u"<i>Sí</i>"_s};
+    QStringList texts = kept;
+    for (qsizetype k = 0; k < sent.size(); ++k)
+        texts.insert(2 * k + 1, sent[k]);
+    QList<TranslationProgress> reported;
+    const auto result =
+        run(texts, 40, 1, cache(), {}, [&](const TranslationProgress& p) { reported.append(p); });
+    EXPECT_EQ(requests, QList<QStringList>{sent});
+    QStringList expected = texts;
+    for (QString& text : expected)
+        text = sent.contains(text) ? u"[ES] "_s + text : text;
+    EXPECT_EQ(result.translations, expected);
+    EXPECT_EQ(reported, (QList<TranslationProgress>{{4, 0, 0, 0}, {4, 4, 0, 0}}));
+    EXPECT_EQ(run(texts, 40, 1, cache()).progress, (TranslationProgress{4, 4, 4, 0}));
+    EXPECT_EQ(requests.size(), 1);
 }
 
 TEST_F(TranslatorTest, AFatalErrorOnTheThirdBatchStopsItsSiblingAndNothingMoreStarts) {
