@@ -13,9 +13,10 @@
 
 namespace velto {
 
-AppShell::AppShell(std::unique_ptr<QSettings> store, Preferences::KeyReader readKey)
+AppShell::AppShell(std::unique_ptr<QSettings> store, Preferences::KeyReader readKey,
+                   std::function<std::optional<FFmpeg>(const std::optional<QString>&)> locateTools)
     : m_preferences(std::make_unique<Preferences>(std::move(store), std::move(readKey)))
-    , m_state(std::make_unique<AppState>())
+    , m_state(std::make_unique<AppState>(std::move(locateTools)))
     , m_relay(std::make_unique<OpenFileRelay>())
     , m_settings(std::make_unique<SettingsPresenter>())
     , m_window(std::make_unique<MainWindow>(*m_state, *m_preferences, *m_settings, *m_relay)) {

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 #include <QStringList>
 
+#include "VeltoKit/media/FFmpeg.h"
 #include "VeltoKit/providers/Preferences.h"
 
 class QSettings;
@@ -20,7 +23,8 @@ class SettingsPresenter;
 // QApplication; the program, its start-up benchmark and the tests all start it the same way.
 class AppShell {
 public:
-    AppShell(std::unique_ptr<QSettings> store, Preferences::KeyReader readKey);
+    AppShell(std::unique_ptr<QSettings> store, Preferences::KeyReader readKey,
+             std::function<std::optional<FFmpeg>(const std::optional<QString>&)> locateTools = {});
     ~AppShell();
     AppShell(const AppShell&) = delete;
     AppShell& operator=(const AppShell&) = delete;

@@ -32,8 +32,9 @@ QString describe(const std::exception& error) {
 
 } // namespace
 
-AppState::AppState(QObject* parent)
+AppState::AppState(ToolLocator locate, QObject* parent)
     : QObject(parent)
+    , m_locate(locate ? std::move(locate) : ToolLocator(&FFmpeg::locate))
     , m_tasks(this) {}
 
 AppState::~AppState() = default;
@@ -42,27 +43,28 @@ void AppState::checkTools(const Preferences& preferences) {
     const quint64 check = ++m_toolCheck;
     const std::optional<QString> directory = folder(preferences.ffmpegDirectory());
     // Locating may read the login shell's PATH and the version runs ffmpeg: neither on this thread.
-    m_tasks.launch([this, check, directory](std::stop_token stop, const auto& post) {
-        const std::optional<FFmpeg> tools = FFmpeg::locate(directory);
-        post([this, check, tools] {
-            if (check == m_toolCheck)
-                toolsFound(tools, missingFfmpeg());
-        });
-        if (!tools)
-            return;
-        QString version;
-        try {
-            version = tools->version(std::move(stop));
-        } catch (const std::exception&) {
-            // No version is no reason to doubt the tools; the status says it was found.
-        }
-        post([this, check, version] {
-            if (check != m_toolCheck || !m_ffmpegReady)
+    m_tasks.launch(
+        [this, check, directory, locate = m_locate](std::stop_token stop, const auto& post) {
+            const std::optional<FFmpeg> tools = locate(directory);
+            post([this, check, tools] {
+                if (check == m_toolCheck)
+                    toolsFound(tools, missingFfmpeg());
+            });
+            if (!tools)
                 return;
-            const bool known = !version.isEmpty() && version != QStringLiteral("desconocida");
-            setFfmpegStatus(known ? version : QStringLiteral("ffmpeg encontrado"));
+            QString version;
+            try {
+                version = tools->version(std::move(stop));
+            } catch (const std::exception&) {
+                // No version is no reason to doubt the tools; the status says it was found.
+            }
+            post([this, check, version] {
+                if (check != m_toolCheck || !m_ffmpegReady)
+                    return;
+                const bool known = !version.isEmpty() && version != QStringLiteral("desconocida");
+                setFfmpegStatus(known ? version : QStringLiteral("ffmpeg encontrado"));
+            });
         });
-    });
 }
 
 void AppState::toolsFound(const std::optional<FFmpeg>& tools, const QString& installHint) {
@@ -88,9 +90,9 @@ void AppState::load(const QString& url, const Preferences& preferences) {
 
     const std::optional<QString> directory = folder(preferences.ffmpegDirectory());
     const QString hint = missingFfmpeg();
-    m_probe = m_tasks.launch([this, run, url, directory, hint](std::stop_token stop,
-                                                               const auto& post) {
-        const std::optional<FFmpeg> tools = FFmpeg::locate(directory);
+    m_probe = m_tasks.launch([this, run, url, directory, hint,
+                              locate = m_locate](std::stop_token stop, const auto& post) {
+        const std::optional<FFmpeg> tools = locate(directory);
         if (!tools) {
             post([this, run, hint] {
                 if (run != m_run)

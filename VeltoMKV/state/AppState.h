@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include <QObject>
@@ -25,7 +26,12 @@ class AppState : public QObject {
     Q_OBJECT
 
 public:
-    explicit AppState(QObject* parent = nullptr);
+    // Finds ffmpeg and ffprobe, preferring a folder; called on background threads.
+    using ToolLocator =
+        std::function<std::optional<FFmpeg>(const std::optional<QString>& preferredDirectory)>;
+
+    // Without a locator the tools are looked for where FFmpeg::locate looks.
+    explicit AppState(ToolLocator locate = {}, QObject* parent = nullptr);
     ~AppState() override;
 
     const Phase& phase() const { return m_phase; }
@@ -101,6 +107,7 @@ private:
     std::optional<QString> m_ffmpegStatus;
     bool m_ffmpegReady = false;
 
+    ToolLocator m_locate;
     std::optional<FFmpeg> m_tools;
     // The running job; reports of any other run are stale.
     std::optional<BackgroundTasks::Id> m_task;

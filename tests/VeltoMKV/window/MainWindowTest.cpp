@@ -50,10 +50,11 @@ using Kind = Phase::Kind;
 // engine, its window shown on the offscreen platform.
 class MainWindowTest : public ::testing::Test {
 protected:
-    MainWindowTest()
-        : shell(std::make_unique<QSettings>(settingsFolder.filePath(u"VeltoMKV.ini"_s),
-                                            QSettings::IniFormat),
-                [](const QString&) { return QString(); }) {
+    explicit MainWindowTest(AppState::ToolLocator locateTools = {})
+        : shell(
+              std::make_unique<QSettings>(settingsFolder.filePath(u"VeltoMKV.ini"_s),
+                                          QSettings::IniFormat),
+              [](const QString&) { return QString(); }, std::move(locateTools)) {
         QStandardPaths::setTestModeEnabled(true);
         shell.preferences().setProviderIDStorage(u"echo"_s);
         shell.preferences().setUseCache(false);
@@ -339,6 +340,29 @@ TEST_F(MainWindowTest, TheRunsWarningsShowInTheirPanel) {
     for (const QString& warning : warnings)
         EXPECT_TRUE(texts.contains(u"• "_s + warning)) << warning.toStdString();
     snapshot(u"finished-warnings"_s);
+}
+
+// A machine where ffmpeg is nowhere to be found.
+class MainWindowWithoutFfmpegTest : public MainWindowTest {
+protected:
+    MainWindowWithoutFfmpegTest()
+        : MainWindowTest([](const std::optional<QString>&) { return std::optional<FFmpeg>(); }) {}
+};
+
+TEST_F(MainWindowWithoutFfmpegTest, TheWarningShowsAndAVideoFailsToLoadWithIt) {
+    const QString missing = u"No encuentro ffmpeg. Instalalo con «"_s +
+                            PlatformText::installFfmpeg() + u"» o indicá su carpeta en Ajustes."_s;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return state().ffmpegStatus().has_value(); }, patience));
+    EXPECT_FALSE(state().ffmpegReady());
+    EXPECT_TRUE(window().ffmpegWarning()->isVisible());
+    EXPECT_EQ(window().ffmpegWarning()->text(), missing);
+    snapshot(u"idle-no-ffmpeg"_s);
+
+    MediaFixtures::writeFile(work.path(u"Movie.mkv"_s), "whatever");
+    ASSERT_TRUE(drop(window().dropZone(), {QUrl::fromLocalFile(work.path(u"Movie.mkv"_s))}));
+    ASSERT_TRUE(reaches(Kind::failed));
+    EXPECT_EQ(window().failureView()->message()->text(), missing);
+    EXPECT_TRUE(window().ffmpegWarning()->isVisible());
 }
 
 TEST_F(MainWindowTest, StrippingShowsItsCountAndClosingDuringAJobLeavesNothing) {
