@@ -33,7 +33,7 @@ FailureView::FailureView(AppState& state, QWidget* parent)
     auto* footer = new QHBoxLayout();
     footer->setSpacing(Look::rowGap);
     footer->addStretch(1);
-    m_startOver = new QPushButton(QStringLiteral("Empezar de nuevo"), this);
+    m_startOver = Look::button(QStringLiteral("Empezar de nuevo"), this);
     connect(m_startOver, &QPushButton::clicked, &m_state, &AppState::reset);
     footer->addWidget(m_startOver);
     m_retry = Look::primaryButton(QStringLiteral("Reintentar"), this);

@@ -153,7 +153,7 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     engineRow->addWidget(m_engineIcon);
     m_engine = Look::paragraph(QString(), this);
     engineRow->addWidget(m_engine, 1);
-    auto* chooseEngine = new QPushButton(QStringLiteral("Elegir el motor de traducción"), this);
+    auto* chooseEngine = Look::button(QStringLiteral("Elegir el motor de traducción"), this);
     connect(chooseEngine, &QPushButton::clicked, &settings, &SettingsPresenter::present);
     engineRow->addWidget(chooseEngine);
     layout->addLayout(engineRow);
@@ -169,7 +169,7 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     m_output->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_output->setMinimumWidth(80);
     outputRow->addWidget(m_output, 1);
-    auto* saveAs = new QPushButton(QStringLiteral("Guardar como"), this);
+    auto* saveAs = Look::button(QStringLiteral("Guardar como"), this);
     connect(saveAs, &QPushButton::clicked, this, &JobView::chooseOutput);
     outputRow->addWidget(saveAs);
     layout->addLayout(outputRow);

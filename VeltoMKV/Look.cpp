@@ -61,6 +61,15 @@ QPushButton* primaryButton(const QString& text, QWidget* parent) {
     return button;
 }
 
+QPushButton* button(const QString& text, QWidget* parent) {
+    auto* button = new QPushButton(text, parent);
+    const QFontMetrics metrics = button->fontMetrics();
+    // The primary button's style sheet pads its text by 5 and 18 pixels.
+    button->setMinimumHeight(metrics.height() + 10);
+    button->setMinimumWidth(metrics.horizontalAdvance(text) + 2 * 18);
+    return button;
+}
+
 QPushButton* quietButton(const QString& text, QWidget* parent) {
     auto* button = new QPushButton(text, parent);
     button->setCursor(Qt::PointingHandCursor);

@@ -29,6 +29,8 @@ QLabel* heading(const QString& text, QWidget* parent);
 QLabel* paragraph(const QString& text, QWidget* parent);
 // The one action a page leads to: drawn in the highlight colour.
 QPushButton* primaryButton(const QString& text, QWidget* parent);
+// Any other action: the platform's button, as tall as the primary one and as roomy.
+QPushButton* button(const QString& text, QWidget* parent);
 // A quiet action that reads like a link.
 QPushButton* quietButton(const QString& text, QWidget* parent);
 // A label showing a standard icon at text height, sharp at any scale.

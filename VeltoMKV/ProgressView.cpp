@@ -58,7 +58,7 @@ ProgressView::ProgressView(AppState& state, QWidget* parent)
 
     auto* footer = new QHBoxLayout();
     footer->addStretch(1);
-    m_cancel = new QPushButton(QStringLiteral("Cancelar"), this);
+    m_cancel = Look::button(QStringLiteral("Cancelar"), this);
     connect(m_cancel, &QPushButton::clicked, &m_state, &AppState::cancel);
     footer->addWidget(m_cancel);
     layout->addLayout(footer);

@@ -76,7 +76,7 @@ ResultView::ResultView(AppState& state, QWidget* parent)
     auto* footer = new QHBoxLayout();
     footer->setSpacing(Look::rowGap);
     footer->addStretch(1);
-    m_reveal = new QPushButton(PlatformText::revealInFileBrowser(), this);
+    m_reveal = Look::button(PlatformText::revealInFileBrowser(), this);
     connect(m_reveal, &QPushButton::clicked, this, [this] {
         if (m_state.result())
             emit revealRequested(m_state.result()->outputURL);
