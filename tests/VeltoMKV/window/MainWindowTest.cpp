@@ -1,5 +1,6 @@
 #include "VeltoMKV/MainWindow.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -109,6 +110,15 @@ protected:
 
 TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
     EXPECT_EQ(window().windowTitle(), u"VeltoMKV"_s);
+    QStringList menuEntries;
+    for (const QAction* action : window().findChildren<QAction*>()) {
+        if (!action->text().isEmpty())
+            menuEntries << action->text() + u' ' + action->shortcut().toString();
+    }
+    EXPECT_TRUE(menuEntries.contains(u"Ayuda de VeltoMKV "_s))
+        << menuEntries.join(u'|').toStdString();
+    EXPECT_TRUE(menuEntries.contains(u"Abrir… "_s + QKeySequence(QKeySequence::Open).toString()))
+        << menuEntries.join(u'|').toStdString();
     EXPECT_EQ(window().currentPage(), window().dropZone());
     snapshot(u"idle"_s);
 
