@@ -81,6 +81,8 @@ int main(int argc, char** argv) {
                                     QSettings::IniFormat),
         [](const QString&) { return QString(); });
     shell.preferences().setProviderIDStorage(QStringLiteral("echo"));
+    // Every run does the whole work, and the user's cache is left alone.
+    shell.preferences().setUseCache(false);
     ExposeWatch watch;
     shell.window().winId();
     shell.window().windowHandle()->installEventFilter(&watch);
