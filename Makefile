@@ -1,7 +1,7 @@
 # Thin wrapper over the CMake presets. CI sets CI=true and gets the warnings-as-errors build.
 PRESET ?= $(if $(CI),ci,dev)
 
-.PHONY: all demo test bench bootstrap clean
+.PHONY: all demo run test bench bootstrap clean
 
 all: test
 
@@ -13,6 +13,16 @@ demo: bootstrap
 	cmake --preset $(PRESET)
 	cmake --build --preset $(PRESET) --target veltomkv-cli
 	scripts/demo build/$(PRESET)
+
+# The desktop app, built and started; extra arguments (a video to open) go in ARGS.
+run: bootstrap
+	cmake --preset $(PRESET)
+	cmake --build --preset $(PRESET) --target veltomkv
+	@if [ "$$(uname -s)" = Darwin ]; then \
+	  open -W build/$(PRESET)/VeltoMKV/VeltoMKV.app --args $(ARGS); \
+	else \
+	  build/$(PRESET)/VeltoMKV/veltomkv $(ARGS); \
+	fi
 
 test: bootstrap
 	cmake --workflow --preset $(PRESET)

@@ -1,0 +1,124 @@
+#include "VeltoMKV/DropZone.h"
+
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QLabel>
+#include <QMimeData>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPushButton>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include "VeltoMKV/AppIcon.h"
+#include "VeltoMKV/Look.h"
+
+namespace velto {
+
+DropZone::DropZone(QWidget* parent)
+    : QWidget(parent) {
+    setAcceptDrops(true);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(Look::margin, Look::margin, Look::margin, Look::margin);
+    layout->setSpacing(Look::rowGap);
+    layout->addStretch(3);
+
+    auto* icon = Look::iconLabel(appIcon(), 88, this);
+    layout->addWidget(icon, 0, Qt::AlignHCenter);
+    layout->addSpacing(Look::rowGap);
+
+    auto* title = Look::title(QStringLiteral("Arrastrá un video acá"), this);
+    title->setTextInteractionFlags(Qt::NoTextInteraction);
+    layout->addWidget(title, 0, Qt::AlignHCenter);
+
+    auto* explanation =
+        Look::secondary(QStringLiteral("VeltoMKV busca los subtítulos, los traduce al español\ny "
+                                       "te devuelve una copia con la pista nueva."),
+                        this);
+    explanation->setAlignment(Qt::AlignHCenter);
+    layout->addWidget(explanation);
+    layout->addSpacing(Look::rowGap);
+
+    m_choose = Look::primaryButton(QStringLiteral("Elegir archivo…"), this);
+    connect(m_choose, &QPushButton::clicked, this, &DropZone::chooseRequested);
+    layout->addWidget(m_choose, 0, Qt::AlignHCenter);
+
+    // Always laid out, so a refusal appearing does not move the rest.
+    m_refusal = Look::secondary(QString(), this);
+    m_refusal->setAlignment(Qt::AlignHCenter);
+    m_refusal->setMinimumHeight(m_refusal->fontMetrics().height());
+    layout->addWidget(m_refusal);
+    layout->addStretch(4);
+}
+
+std::optional<QString> DropZone::droppedFile(const QMimeData* data) {
+    if (!data || !data->hasUrls())
+        return std::nullopt;
+    const QList<QUrl> urls = data->urls();
+    if (urls.size() != 1 || !urls.first().isLocalFile())
+        return std::nullopt;
+    return urls.first().toLocalFile();
+}
+
+QString DropZone::refusal(const QMimeData* data) {
+    if (droppedFile(data))
+        return QString();
+    if (data && data->hasUrls() && data->urls().size() > 1)
+        return QStringLiteral("Soltá un solo video por vez.");
+    return QStringLiteral("Eso no es un archivo: soltá un video.");
+}
+
+QString DropZone::refusalText() const {
+    return m_refusal->text();
+}
+
+void DropZone::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF frame = QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5);
+    QPen pen(m_hovering ? palette().highlight().color() : palette().mid().color(), 2);
+    if (!m_hovering)
+        pen.setDashPattern({4, 3});
+    painter.setPen(pen);
+    QColor tint = palette().highlight().color();
+    tint.setAlpha(m_hovering ? 28 : 0);
+    painter.setBrush(tint);
+    painter.drawRoundedRect(frame, 12, 12);
+}
+
+void DropZone::dragEnterEvent(QDragEnterEvent* event) {
+    const QString why = refusal(event->mimeData());
+    m_refusal->setText(why);
+    if (!why.isEmpty()) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    setHovering(true);
+}
+
+void DropZone::dragLeaveEvent(QDragLeaveEvent*) {
+    setHovering(false);
+}
+
+void DropZone::dropEvent(QDropEvent* event) {
+    setHovering(false);
+    const std::optional<QString> file = droppedFile(event->mimeData());
+    if (!file) {
+        m_refusal->setText(refusal(event->mimeData()));
+        event->ignore();
+        return;
+    }
+    m_refusal->clear();
+    event->acceptProposedAction();
+    emit fileDropped(*file);
+}
+
+void DropZone::setHovering(bool hovering) {
+    if (hovering == m_hovering)
+        return;
+    m_hovering = hovering;
+    update();
+}
+
+} // namespace velto

@@ -1,0 +1,298 @@
+#include "VeltoMKV/JobView.h"
+
+#include <QCheckBox>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "VeltoKit/providers/Preferences.h"
+#include "VeltoMKV/AppIcon.h"
+#include "VeltoMKV/Look.h"
+#include "VeltoMKV/OptionsPanel.h"
+#include "VeltoMKV/SettingsPresenter.h"
+#include "VeltoMKV/state/AppState.h"
+#include "VeltoMKV/state/Format.h"
+
+namespace velto {
+namespace {
+
+constexpr int trackIndexRole = Qt::UserRole;
+
+// "#3  inglés  «English»  ·  SDH · 1502 subt."; image tracks say they need OCR.
+QString describe(const SubtitleTrack& track) {
+    QString text =
+        u'#' + QString::number(track.index) + QStringLiteral("  ") + track.languageName();
+    if (!track.title.isEmpty())
+        text += QStringLiteral("  «") + track.title + u'»';
+    QStringList notes;
+    for (const QString& flag : track.flags()) {
+        if (flag != QStringLiteral("imagen"))
+            notes << flag;
+    }
+    if (track.isBitmap())
+        notes << QStringLiteral("imagen, necesita OCR");
+    else if (track.frameCount)
+        notes << QString::number(*track.frameCount) + QStringLiteral(" subt.");
+    if (!notes.isEmpty())
+        text += QStringLiteral("   ·   ") + notes.join(QStringLiteral(" · "));
+    return text;
+}
+
+QString trackCount(qsizetype count) {
+    return count == 1 ? QStringLiteral("1 pista de subtítulos")
+                      : QString::number(count) + QStringLiteral(" pistas de subtítulos");
+}
+
+} // namespace
+
+JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& settings,
+                 QWidget* parent)
+    : QWidget(parent)
+    , m_state(state)
+    , m_preferences(preferences) {
+    auto* page = new QVBoxLayout(this);
+    page->setContentsMargins(0, 0, 0, 0);
+    page->setSpacing(Look::rowGap);
+    // Opening the options may need more room than the window has: the content scrolls and the
+    // main button stays where it is.
+    const Look::ScrollingColumn column = Look::scrollingColumn(this);
+    page->addWidget(column.area, 1);
+    QVBoxLayout* layout = column.layout;
+
+    // The file: icon, name and a quiet way out.
+    auto* header = new QHBoxLayout();
+    header->setSpacing(Look::rowGap);
+    header->addWidget(Look::iconLabel(appIcon(), 40, this), 0, Qt::AlignTop);
+    auto* naming = new QVBoxLayout();
+    naming->setSpacing(2);
+    m_name = Look::title(QString(), this);
+    m_facts = Look::secondary(QString(), this);
+    naming->addWidget(m_name);
+    naming->addWidget(m_facts);
+    header->addLayout(naming, 1);
+    auto* close = Look::quietButton(QStringLiteral("Cerrar este archivo"), this);
+    connect(close, &QPushButton::clicked, &m_state, &AppState::reset);
+    header->addWidget(close, 0, Qt::AlignTop);
+    layout->addLayout(header);
+    layout->addSpacing(Look::groupGap - Look::rowGap);
+
+    // The tracks.
+    layout->addWidget(Look::heading(QStringLiteral("Pista a traducir"), this));
+    m_tracks = new QListWidget(this);
+    m_tracks->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_tracks->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_tracks->setTextElideMode(Qt::ElideRight);
+    m_tracks->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_tracks->setUniformItemSizes(true);
+    const int mark = fontMetrics().height();
+    m_tracks->setIconSize(QSize(mark, mark));
+    layout->addWidget(m_tracks);
+    connect(m_tracks, &QListWidget::currentItemChanged, this, [this](QListWidgetItem* item) {
+        if (item && (item->flags() & Qt::ItemIsEnabled))
+            m_state.setSelectedTrack(item->data(trackIndexRole).toLongLong());
+    });
+
+    // What the file already has in Spanish.
+    m_noticeRow = new QWidget(this);
+    auto* notice = new QHBoxLayout(m_noticeRow);
+    notice->setContentsMargins(0, 0, 0, 0);
+    notice->setSpacing(Look::rowGap / 2 + 2);
+    m_noticeIcon = Look::iconLabel(Look::informationIcon(), 20, m_noticeRow);
+    notice->addWidget(m_noticeIcon, 0, Qt::AlignTop);
+    m_noticeText = Look::paragraph(QString(), m_noticeRow);
+    notice->addWidget(m_noticeText, 1);
+    m_force = new QCheckBox(QStringLiteral("Traducir igual"), m_noticeRow);
+    notice->addWidget(m_force, 0, Qt::AlignTop);
+    layout->addWidget(m_noticeRow);
+    connect(m_force, &QCheckBox::toggled, &m_state, &AppState::setForce);
+    connect(&m_state, &AppState::forceChanged, this, [this] {
+        const QSignalBlocker block(m_force);
+        m_force->setChecked(m_state.force());
+    });
+    layout->addSpacing(Look::groupGap - Look::rowGap);
+
+    // The options, folded: the first glance goes file, track, engine, start.
+    auto* disclosureRow = new QHBoxLayout();
+    m_disclosure = new QToolButton(this);
+    m_disclosure->setText(QStringLiteral("Opciones"));
+    m_disclosure->setCheckable(true);
+    m_disclosure->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_disclosure->setArrowType(Qt::RightArrow);
+    m_disclosure->setAutoRaise(true);
+    m_disclosure->setStyleSheet(QStringLiteral("QToolButton { border: none; padding: 2px 0; }"));
+    disclosureRow->addWidget(m_disclosure);
+    disclosureRow->addSpacing(Look::rowGap);
+    m_optionsSummary = Look::secondary(QString(), this);
+    m_optionsSummary->setWordWrap(false);
+    disclosureRow->addWidget(m_optionsSummary);
+    disclosureRow->addStretch(1);
+    layout->addLayout(disclosureRow);
+    m_options = new OptionsPanel(preferences, this);
+    m_options->setVisible(false);
+    layout->addWidget(m_options);
+    connect(m_disclosure, &QToolButton::toggled, this, [this](bool open) {
+        m_disclosure->setArrowType(open ? Qt::DownArrow : Qt::RightArrow);
+        m_options->setVisible(open);
+        m_optionsSummary->setVisible(!open);
+    });
+    m_optionsSummary->setText(m_options->summary());
+    connect(m_options, &OptionsPanel::summaryChanged, this,
+            [this] { m_optionsSummary->setText(m_options->summary()); });
+    layout->addSpacing(Look::groupGap - Look::rowGap);
+
+    // The engine.
+    auto* engineRow = new QHBoxLayout();
+    engineRow->setSpacing(Look::rowGap / 2 + 2);
+    m_engineIcon = Look::iconLabel(Look::warningIcon(), 20, this);
+    engineRow->addWidget(m_engineIcon);
+    m_engine = Look::paragraph(QString(), this);
+    engineRow->addWidget(m_engine, 1);
+    auto* chooseEngine = Look::button(QStringLiteral("Elegir el motor de traducción"), this);
+    connect(chooseEngine, &QPushButton::clicked, &settings, &SettingsPresenter::present);
+    engineRow->addWidget(chooseEngine);
+    layout->addLayout(engineRow);
+
+    // Where the result goes.
+    auto* outputRow = new QHBoxLayout();
+    outputRow->setSpacing(Look::rowGap / 2 + 2);
+    auto* outputLabel =
+        Look::secondary(QStringLiteral("Dónde guardar el archivo con la pista nueva:"), this);
+    outputLabel->setWordWrap(false);
+    outputRow->addWidget(outputLabel);
+    m_output = new QLabel(this);
+    m_output->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_output->setMinimumWidth(80);
+    outputRow->addWidget(m_output, 1);
+    auto* saveAs = Look::button(QStringLiteral("Guardar como"), this);
+    connect(saveAs, &QPushButton::clicked, this, &JobView::chooseOutput);
+    outputRow->addWidget(saveAs);
+    layout->addLayout(outputRow);
+
+    layout->addStretch(1);
+    auto* footer = new QHBoxLayout();
+    footer->addStretch(1);
+    m_start = Look::primaryButton(QStringLiteral("Traducir al español"), this);
+    connect(m_start, &QPushButton::clicked, this, &JobView::startRequested);
+    footer->addWidget(m_start);
+    page->addLayout(footer);
+
+    // Creation order is reading order; only the way out, created first, goes last.
+    setTabOrder(m_start, close);
+
+    connect(&m_state, &AppState::sourceURLChanged, this, &JobView::showFile);
+    connect(&m_state, &AppState::infoChanged, this, &JobView::showTracks);
+    connect(&m_state, &AppState::selectedTrackChanged, this, &JobView::markChosenTrack);
+    connect(&m_state, &AppState::outputURLChanged, this, &JobView::showOutput);
+    connect(&m_preferences, &Preferences::changed, this, [this](const QString& key) {
+        if (key == QStringLiteral("providerID") || key.startsWith(QStringLiteral("provider.")) ||
+            key.startsWith(QStringLiteral("cli")) || key == QStringLiteral("anthropicEffort"))
+            refreshEngine();
+    });
+    showFile();
+    showTracks();
+    showOutput();
+    refreshEngine();
+}
+
+void JobView::showFile() {
+    m_name->setText(m_state.sourceURL() ? QFileInfo(*m_state.sourceURL()).fileName() : QString());
+}
+
+void JobView::showTracks() {
+    const QSignalBlocker block(m_tracks);
+    m_tracks->clear();
+    const std::optional<MediaInfo>& info = m_state.info();
+    if (!info) {
+        m_facts->clear();
+        m_noticeRow->setVisible(false);
+        return;
+    }
+    m_facts->setText(Format::duration(info->duration) + QStringLiteral(" · ") +
+                     trackCount(info->tracks.size()));
+    for (const SubtitleTrack& track : info->tracks) {
+        auto* item = new QListWidgetItem(describe(track), m_tracks);
+        item->setData(trackIndexRole, track.index);
+        item->setSizeHint(QSize(0, rowHeight()));
+        if (track.isBitmap())
+            item->setFlags(item->flags() & ~(Qt::ItemIsEnabled | Qt::ItemIsSelectable));
+    }
+    // Every row shows without scrolling up to six; more scroll.
+    const int rows = static_cast<int>(qMin<qsizetype>(info->tracks.size(), 6));
+    m_tracks->setFixedHeight(qMax(rows, 1) * rowHeight() + 2 * m_tracks->frameWidth());
+
+    switch (info->spanishStatus()) {
+    case SpanishStatus::full:
+        m_noticeIcon->setPixmap(
+            Look::warningIcon().pixmap(QSize(20, 20), m_noticeIcon->devicePixelRatioF()));
+        m_noticeText->setText(QStringLiteral("Este archivo ya tiene una pista en español."));
+        m_force->setVisible(true);
+        m_noticeRow->setVisible(true);
+        break;
+    case SpanishStatus::forcedOnly:
+        m_noticeIcon->setPixmap(
+            Look::informationIcon().pixmap(QSize(20, 20), m_noticeIcon->devicePixelRatioF()));
+        m_noticeText->setText(QStringLiteral(
+            "Solo hay español en una pista forzada, que traduce carteles sueltos y no los "
+            "diálogos. Se generará una completa."));
+        m_force->setVisible(false);
+        m_noticeRow->setVisible(true);
+        break;
+    case SpanishStatus::none:
+        m_noticeRow->setVisible(false);
+        break;
+    }
+    markChosenTrack();
+}
+
+int JobView::rowHeight() const {
+    return fontMetrics().height() * 2;
+}
+
+void JobView::markChosenTrack() {
+    const QSignalBlocker block(m_tracks);
+    const std::optional<qint64> chosen = m_state.selectedTrack();
+    for (int row = 0; row < m_tracks->count(); ++row) {
+        QListWidgetItem* item = m_tracks->item(row);
+        const bool isChosen = chosen && item->data(trackIndexRole).toLongLong() == *chosen;
+        if (item->flags() & Qt::ItemIsEnabled)
+            item->setIcon(Look::choiceMark(isChosen, palette()));
+        else
+            item->setIcon(Look::warningIcon());
+        if (isChosen)
+            m_tracks->setCurrentItem(item);
+    }
+    if (!chosen)
+        m_tracks->setCurrentItem(nullptr);
+}
+
+void JobView::showOutput() {
+    const std::optional<QString>& output = m_state.outputURL();
+    m_output->setText(output ? QFileInfo(*output).fileName() : QString());
+    m_output->setToolTip(output.value_or(QString()));
+}
+
+void JobView::chooseOutput() {
+    const QString current = m_state.outputURL().value_or(QString());
+    const QString chosen = QFileDialog::getSaveFileName(
+        this, QStringLiteral("Dónde guardar el archivo con la pista nueva"), current,
+        QStringLiteral("Videos (*.mkv *.mp4 *.mov *.m4v)"));
+    if (!chosen.isEmpty())
+        m_state.setOutputURL(chosen);
+}
+
+void JobView::refreshEngine() {
+    const EngineConfiguration engine = m_preferences.engineConfiguration();
+    const std::optional<QString> missing = engine.missingRequirement();
+    m_engineIcon->setVisible(missing.has_value());
+    m_engine->setText(missing.value_or(engine.summary()));
+    m_start->setEnabled(!missing);
+    m_start->setToolTip(missing.value_or(QString()));
+}
+
+} // namespace velto

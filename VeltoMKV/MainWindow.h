@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QMainWindow>
+
+class QLabel;
+class QStackedWidget;
+
+namespace velto {
+
+class AppState;
+class DropZone;
+class EngineChooser;
+class FailureView;
+class InspectingView;
+class JobView;
+class OpenFileRelay;
+class Preferences;
+class ProgressView;
+class ResultView;
+class SettingsPresenter;
+
+// One calm column whose page follows the state's phase. It holds no logic: it shows the state
+// and the preferences and calls their actions.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    MainWindow(AppState& state, Preferences& preferences, SettingsPresenter& settings,
+               OpenFileRelay& relay, QWidget* parent = nullptr);
+
+    DropZone* dropZone() const { return m_dropZone; }
+    JobView* jobView() const { return m_jobView; }
+    ProgressView* progressView() const { return m_progressView; }
+    ResultView* resultView() const { return m_resultView; }
+    FailureView* failureView() const { return m_failureView; }
+    QWidget* currentPage() const;
+    QLabel* ffmpegWarning() const { return m_ffmpegText; }
+
+    void openFile(const QString& path);
+    void chooseFile();
+    void startJob();
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void showPhase();
+    void showFfmpegStatus();
+    void takePendingFile();
+    void presentSettings(bool presented);
+    void showHelp();
+    void returnPressed();
+    bool acceptsFiles() const;
+
+    AppState& m_state;
+    Preferences& m_preferences;
+    SettingsPresenter& m_settings;
+    OpenFileRelay& m_relay;
+    QStackedWidget* m_pages;
+    DropZone* m_dropZone;
+    InspectingView* m_inspectingView;
+    JobView* m_jobView;
+    ProgressView* m_progressView;
+    ResultView* m_resultView;
+    FailureView* m_failureView;
+    QWidget* m_ffmpegRow;
+    QLabel* m_ffmpegText;
+    EngineChooser* m_engineChooser = nullptr;
+    // Return came while the file was still being read: start as soon as it is ready.
+    bool m_startWhenReady = false;
+};
+
+} // namespace velto

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QWidget>
+
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+class QSpinBox;
+
+namespace velto {
+
+class Preferences;
+
+// The job's options, each control bound both ways to one setting: a change here is stored at
+// once, and a change stored elsewhere (the settings window) shows here.
+class OptionsPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    OptionsPanel(Preferences& preferences, QWidget* parent = nullptr);
+
+    // "Neutro · sin SDH · caché": what the folded panel shows.
+    QString summary() const;
+
+    QComboBox* variantPicker() const { return m_variant; }
+    QCheckBox* stripSDHToggle() const { return m_stripSDH; }
+    QCheckBox* useCacheToggle() const { return m_useCache; }
+    QSpinBox* batchSizeStepper() const { return m_batchSize; }
+
+signals:
+    void summaryChanged();
+
+private:
+    void showPreferences();
+
+    Preferences& m_preferences;
+    QComboBox* m_variant;
+    QCheckBox* m_stripSDH;
+    QCheckBox* m_stripParens;
+    QCheckBox* m_makeDefault;
+    QLineEdit* m_trackTitle;
+    QSpinBox* m_batchSize;
+    QSpinBox* m_concurrency;
+    QCheckBox* m_useCache;
+};
+
+} // namespace velto

@@ -1,0 +1,109 @@
+#include "VeltoMKV/ProgressView.h"
+
+#include <cmath>
+
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "VeltoMKV/AppIcon.h"
+#include "VeltoMKV/Look.h"
+#include "VeltoMKV/state/AppState.h"
+#include "VeltoMKV/state/Format.h"
+
+namespace velto {
+
+namespace {
+constexpr int barSteps = 1000;
+}
+
+ProgressView::ProgressView(AppState& state, QWidget* parent)
+    : QWidget(parent)
+    , m_state(state) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(Look::rowGap);
+
+    auto* header = new QHBoxLayout();
+    header->setSpacing(Look::rowGap);
+    header->addWidget(Look::iconLabel(appIcon(), 40, this), 0, Qt::AlignVCenter);
+    m_name = Look::title(QString(), this);
+    header->addWidget(m_name, 1);
+    layout->addLayout(header);
+    layout->addStretch(2);
+
+    // The percentage sits on the stage's line, so the bar spans the column whether it is known.
+    auto* stageRow = new QHBoxLayout();
+    m_stage = Look::heading(QString(), this);
+    stageRow->addWidget(m_stage, 1);
+    m_percent = Look::secondary(QString(), this);
+    m_percent->setWordWrap(false);
+    m_percent->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    stageRow->addWidget(m_percent);
+    layout->addLayout(stageRow);
+    m_detail = Look::secondary(QString(), this);
+    m_detail->setMinimumHeight(m_detail->fontMetrics().height());
+    layout->addWidget(m_detail);
+
+    m_bar = new QProgressBar(this);
+    m_bar->setTextVisible(false);
+    layout->addWidget(m_bar);
+
+    m_elapsed = Look::secondary(QString(), this);
+    layout->addWidget(m_elapsed);
+    layout->addStretch(3);
+
+    auto* footer = new QHBoxLayout();
+    footer->addStretch(1);
+    m_cancel = Look::button(QStringLiteral("Cancelar"), this);
+    connect(m_cancel, &QPushButton::clicked, &m_state, &AppState::cancel);
+    footer->addWidget(m_cancel);
+    layout->addLayout(footer);
+
+    m_ticker.setInterval(1000);
+    connect(&m_ticker, &QTimer::timeout, this, &ProgressView::tick);
+    connect(&m_state, &AppState::stageChanged, this, &ProgressView::showProgress);
+    connect(&m_state, &AppState::detailChanged, this, &ProgressView::showProgress);
+    connect(&m_state, &AppState::progressChanged, this, &ProgressView::showProgress);
+    connect(&m_state, &AppState::sourceURLChanged, this, [this] {
+        m_name->setText(m_state.sourceURL() ? QFileInfo(*m_state.sourceURL()).fileName()
+                                            : QString());
+    });
+    showProgress();
+}
+
+void ProgressView::startClock() {
+    m_clock.start();
+    m_ticker.start();
+    tick();
+    showProgress();
+}
+
+void ProgressView::stopClock() {
+    m_ticker.stop();
+}
+
+void ProgressView::showProgress() {
+    m_stage->setText(label(m_state.stage()));
+    m_detail->setText(m_state.detail());
+    if (const std::optional<double> fraction = m_state.progress()) {
+        m_bar->setRange(0, barSteps);
+        m_bar->setValue(static_cast<int>(std::lround(qBound(0.0, *fraction, 1.0) * barSteps)));
+        m_percent->setText(QString::number(std::lround(qBound(0.0, *fraction, 1.0) * 100)) +
+                           QStringLiteral(" %"));
+    } else {
+        // A zero range is Qt's indeterminate bar.
+        m_bar->setRange(0, 0);
+        m_percent->clear();
+    }
+}
+
+void ProgressView::tick() {
+    m_elapsed->setText(
+        Format::elapsed(m_clock.isValid() ? static_cast<double>(m_clock.elapsed()) / 1000.0 : 0.0));
+}
+
+} // namespace velto

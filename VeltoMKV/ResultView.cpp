@@ -1,0 +1,133 @@
+#include "VeltoMKV/ResultView.h"
+
+#include <memory>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include "VeltoKit/platform/PlatformText.h"
+#include "VeltoMKV/Look.h"
+#include "VeltoMKV/state/AppState.h"
+#include "VeltoMKV/state/Format.h"
+
+namespace velto {
+
+ResultView::ResultView(AppState& state, QWidget* parent)
+    : QWidget(parent)
+    , m_state(state) {
+    auto* page = new QVBoxLayout(this);
+    page->setContentsMargins(0, 0, 0, 0);
+    page->setSpacing(Look::rowGap);
+    // Many warnings scroll with the rest; the buttons stay where they are.
+    const Look::ScrollingColumn column = Look::scrollingColumn(this);
+    page->addWidget(column.area, 1);
+    QVBoxLayout* layout = column.layout;
+
+    auto* header = new QHBoxLayout();
+    header->setSpacing(Look::rowGap);
+    m_doneIcon = Look::iconLabel(Look::doneMark(palette()), 40, this);
+    header->addWidget(m_doneIcon, 0, Qt::AlignTop);
+    auto* naming = new QVBoxLayout();
+    naming->setSpacing(2);
+    m_name = Look::title(QString(), this);
+    m_where = Look::secondary(QString(), this);
+    m_where->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    naming->addWidget(m_name);
+    naming->addWidget(m_where);
+    header->addLayout(naming, 1);
+    layout->addLayout(header);
+    layout->addSpacing(Look::groupGap - Look::rowGap);
+
+    layout->addWidget(Look::paragraph(
+        QStringLiteral("Timestamps verificados uno a uno contra el original."), this));
+    m_counts = Look::secondary(QString(), this);
+    layout->addWidget(m_counts);
+    m_removed = Look::paragraph(QString(), this);
+    layout->addWidget(m_removed);
+
+    // A quiet panel: a count in its header, one selectable line per warning.
+    m_warnings = new QFrame(this);
+    m_warnings->setObjectName(QStringLiteral("warnings"));
+    m_warnings->setStyleSheet(QStringLiteral(
+        "QFrame#warnings { background-color: palette(alternate-base); border: 1px solid "
+        "palette(mid); border-radius: 8px; }"));
+    auto* panel = new QVBoxLayout(m_warnings);
+    panel->setContentsMargins(Look::rowGap, Look::rowGap, Look::rowGap, Look::rowGap);
+    panel->setSpacing(Look::rowGap / 2);
+    auto* panelHeader = new QHBoxLayout();
+    panelHeader->addWidget(Look::iconLabel(Look::warningIcon(), 18, m_warnings));
+    m_warningsHeader = Look::heading(QString(), m_warnings);
+    panelHeader->addWidget(m_warningsHeader, 1);
+    panel->addLayout(panelHeader);
+    m_warningLines = new QVBoxLayout();
+    m_warningLines->setContentsMargins(0, 0, 0, 0);
+    m_warningLines->setSpacing(Look::rowGap / 2);
+    m_warningLines->addStretch(1);
+    panel->addLayout(m_warningLines);
+    layout->addWidget(m_warnings);
+    layout->addStretch(1);
+
+    auto* footer = new QHBoxLayout();
+    footer->setSpacing(Look::rowGap);
+    footer->addStretch(1);
+    m_reveal = Look::button(PlatformText::revealInFileBrowser(), this);
+    connect(m_reveal, &QPushButton::clicked, this, [this] {
+        if (m_state.result())
+            emit revealRequested(m_state.result()->outputURL);
+    });
+    footer->addWidget(m_reveal);
+    m_another = Look::primaryButton(QStringLiteral("Traducir otro"), this);
+    connect(m_another, &QPushButton::clicked, this, &ResultView::anotherRequested);
+    footer->addWidget(m_another);
+    page->addLayout(footer);
+    setTabOrder(m_reveal, m_another);
+
+    connect(&m_state, &AppState::resultChanged, this, &ResultView::showResult);
+    connect(&m_state, &AppState::warningsChanged, this, &ResultView::showResult);
+    showResult();
+}
+
+void ResultView::setStripped(bool stripped) {
+    m_stripped = stripped;
+    showResult();
+}
+
+void ResultView::showResult() {
+    const std::optional<JobResult>& result = m_state.result();
+    m_name->setText(result ? QFileInfo(result->outputURL).fileName() : QString());
+    m_where->setText(result ? QDir::toNativeSeparators(QFileInfo(result->outputURL).absolutePath())
+                            : QString());
+    m_counts->setText(result ? QString::number(result->translatedCount) +
+                                   QStringLiteral(" subtítulos traducidos en ") +
+                                   Format::elapsed(result->elapsed)
+                             : QString());
+    m_removed->setVisible(result && m_stripped);
+    m_removed->setText(result ? QStringLiteral("Descripciones quitadas: ") +
+                                    QString::number(result->removedDescriptions)
+                              : QString());
+
+    while (m_warningLines->count() > 1) {
+        const std::unique_ptr<QLayoutItem> item(m_warningLines->takeAt(0));
+        if (QWidget* line = item->widget()) {
+            line->hide();
+            line->deleteLater();
+        }
+    }
+    const QStringList& warnings = m_state.warnings();
+    m_warnings->setVisible(!warnings.isEmpty());
+    m_warningsHeader->setText(warnings.size() == 1
+                                  ? QStringLiteral("1 aviso")
+                                  : QString::number(warnings.size()) + QStringLiteral(" avisos"));
+    for (qsizetype i = 0; i < warnings.size(); ++i) {
+        QLabel* line = Look::paragraph(QStringLiteral("• ") + warnings.at(i), m_warnings);
+        m_warningLines->insertWidget(static_cast<int>(i), line);
+    }
+}
+
+} // namespace velto

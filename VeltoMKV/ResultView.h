@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+class QPushButton;
+class QVBoxLayout;
+
+namespace velto {
+
+class AppState;
+
+// The finished page: the new file, the proof about its timings, what stripping removed, the
+// warnings of the run, and the ways on: see the file, or translate another.
+class ResultView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ResultView(AppState& state, QWidget* parent = nullptr);
+
+    // Whether the run that finished stripped SDH; only then the removals are counted.
+    void setStripped(bool stripped);
+
+    QLabel* outputName() const { return m_name; }
+    QLabel* removals() const { return m_removed; }
+    QWidget* warningsPanel() const { return m_warnings; }
+    QPushButton* revealButton() const { return m_reveal; }
+    QPushButton* anotherButton() const { return m_another; }
+
+signals:
+    void revealRequested(const QString& path);
+    void anotherRequested();
+
+private:
+    void showResult();
+
+    AppState& m_state;
+    bool m_stripped = false;
+    QLabel* m_doneIcon;
+    QLabel* m_name;
+    QLabel* m_where;
+    QLabel* m_counts;
+    QLabel* m_removed;
+    QWidget* m_warnings;
+    QLabel* m_warningsHeader;
+    QVBoxLayout* m_warningLines;
+    QPushButton* m_reveal;
+    QPushButton* m_another;
+};
+
+} // namespace velto

@@ -1,0 +1,315 @@
+#include "VeltoMKV/state/AppState.h"
+
+#include <memory>
+
+#include "VeltoKit/core/VeltoError.h"
+#include "VeltoKit/job/JobError.h"
+#include "VeltoKit/job/TranslationJob.h"
+#include "VeltoKit/platform/PlatformText.h"
+#include "VeltoKit/providers/Preferences.h"
+#include "VeltoKit/translation/TranslationBackend.h"
+
+namespace velto {
+namespace {
+
+QString missingFfmpeg() {
+    return QStringLiteral("No encuentro ffmpeg. Instalalo con «") + PlatformText::installFfmpeg() +
+           QStringLiteral("» o indicá su carpeta en Ajustes.");
+}
+
+std::optional<QString> folder(const QString& directory) {
+    if (directory.isEmpty())
+        return std::nullopt;
+    return directory;
+}
+
+// The failure's own sentence; the library's errors all carry one.
+QString describe(const std::exception& error) {
+    if (const auto* known = dynamic_cast<const VeltoError*>(&error))
+        return known->description();
+    return QStringLiteral("Falló algo inesperado: ") + QString::fromLocal8Bit(error.what());
+}
+
+} // namespace
+
+AppState::AppState(ToolLocator locate, QObject* parent)
+    : QObject(parent)
+    , m_locate(locate ? std::move(locate) : ToolLocator(&FFmpeg::locate))
+    , m_tasks(this) {}
+
+AppState::~AppState() = default;
+
+void AppState::checkTools(const Preferences& preferences) {
+    const quint64 check = ++m_toolCheck;
+    const std::optional<QString> directory = folder(preferences.ffmpegDirectory());
+    // Locating may read the login shell's PATH and the version runs ffmpeg: neither on this thread.
+    m_tasks.launch(
+        [this, check, directory, locate = m_locate](std::stop_token stop, const auto& post) {
+            const std::optional<FFmpeg> tools = locate(directory);
+            post([this, check, tools] {
+                if (check == m_toolCheck)
+                    toolsFound(tools, missingFfmpeg());
+            });
+            if (!tools)
+                return;
+            QString version;
+            try {
+                version = tools->version(std::move(stop));
+            } catch (const std::exception&) {
+                // No version is no reason to doubt the tools; the status says it was found.
+            }
+            post([this, check, version] {
+                if (check != m_toolCheck || !m_ffmpegReady)
+                    return;
+                const bool known = !version.isEmpty() && version != QStringLiteral("desconocida");
+                setFfmpegStatus(known ? version : QStringLiteral("ffmpeg encontrado"));
+            });
+        });
+}
+
+void AppState::toolsFound(const std::optional<FFmpeg>& tools, const QString& installHint) {
+    m_tools = tools;
+    setFfmpegReady(tools.has_value());
+    if (!tools)
+        setFfmpegStatus(installHint);
+}
+
+void AppState::load(const QString& url, const Preferences& preferences) {
+    const quint64 run = nextRun();
+    setResult(std::nullopt);
+    setWarnings({});
+    setForce(false);
+    setProgress(std::nullopt);
+    setDetail(QString());
+    // Nothing of a previous video may survive into this one, even if this probe fails.
+    setInfo(std::nullopt);
+    setSelectedTrack(std::nullopt);
+    setOutputURL(std::nullopt);
+    setSourceURL(url);
+    setPhase(Phase::inspecting());
+
+    const std::optional<QString> directory = folder(preferences.ffmpegDirectory());
+    const QString hint = missingFfmpeg();
+    m_probe = m_tasks.launch([this, run, url, directory, hint,
+                              locate = m_locate](std::stop_token stop, const auto& post) {
+        const std::optional<FFmpeg> tools = locate(directory);
+        if (!tools) {
+            post([this, run, hint] {
+                if (run != m_run)
+                    return;
+                ++m_toolCheck;
+                toolsFound(std::nullopt, hint);
+                setPhase(Phase::failed(m_ffmpegStatus.value_or(QStringLiteral("Falta ffmpeg."))));
+            });
+            return;
+        }
+        try {
+            const MediaInfo info = tools->inspect(url, std::move(stop));
+            post([this, run, url, info, tools] {
+                if (run != m_run)
+                    return;
+                m_tools = tools;
+                setFfmpegReady(true);
+                probed(url, info);
+            });
+        } catch (const Cancelled&) {
+        } catch (const std::exception& error) {
+            post([this, run, message = describe(error)] {
+                if (run == m_run)
+                    setPhase(Phase::failed(message));
+            });
+        }
+    });
+}
+
+void AppState::probed(const QString& url, const MediaInfo& info) {
+    m_probe.reset();
+    setInfo(info);
+    const std::optional<SubtitleTrack> source = info.pickSource(QStringLiteral("eng"));
+    setSelectedTrack(source ? std::optional<qint64>(source->index) : std::nullopt);
+    setOutputURL(TranslationJob::defaultOutputURL(url, QStringLiteral(".es")));
+    if (info.tracks.isEmpty())
+        setPhase(Phase::failed(JobError::noSubtitles().description()));
+    else
+        setPhase(Phase::ready());
+}
+
+void AppState::start(const Preferences& preferences) {
+    if (!m_sourceURL || !m_tools || m_task)
+        return;
+    std::shared_ptr<const TranslationBackend> backend;
+    try {
+        backend = preferences.engineConfiguration().makeBackend();
+    } catch (const std::exception& error) {
+        nextRun();
+        setPhase(Phase::failed(describe(error)));
+        return;
+    }
+    const JobOptions options = preferences.makeJobOptions(m_outputURL, m_selectedTrack, m_force);
+    const TranslationJob job(*m_tools, std::move(backend), options, Preferences::cacheDirectory());
+    const QString source = *m_sourceURL;
+
+    const quint64 run = nextRun();
+    setResult(std::nullopt);
+    setWarnings({});
+    setProgress(std::nullopt);
+    setDetail(QString());
+    setStage(JobStage::analyzing);
+    setPhase(Phase::working());
+    m_task = m_tasks.launch([this, run, job, source](std::stop_token stop, const auto& post) {
+        const auto onUpdate = [this, run, post](const JobUpdate& update) {
+            post([this, run, update] {
+                if (run != m_run)
+                    return;
+                setStage(update.stage);
+                setDetail(update.detail);
+                setProgress(update.progress);
+            });
+        };
+        try {
+            const JobResult result = job.run(source, onUpdate, std::move(stop));
+            post([this, run, result] {
+                if (run != m_run)
+                    return;
+                m_task.reset();
+                setResult(result);
+                setWarnings(result.warnings);
+                setPhase(Phase::finished());
+            });
+        } catch (const Cancelled&) {
+        } catch (const std::exception& error) {
+            post([this, run, message = describe(error)] {
+                if (run != m_run)
+                    return;
+                m_task.reset();
+                setPhase(Phase::failed(message));
+            });
+        }
+    });
+}
+
+void AppState::cancel() {
+    if (!m_task)
+        return;
+    nextRun();
+    setPhase(Phase::ready());
+    setDetail(QString());
+    setProgress(std::nullopt);
+}
+
+void AppState::reset() {
+    nextRun();
+    setPhase(Phase::idle());
+    setSourceURL(std::nullopt);
+    setInfo(std::nullopt);
+    setSelectedTrack(std::nullopt);
+    setOutputURL(std::nullopt);
+    setResult(std::nullopt);
+    setProgress(std::nullopt);
+    setWarnings({});
+    setDetail(QString());
+    setForce(false);
+}
+
+quint64 AppState::nextRun() {
+    if (m_task)
+        m_tasks.stop(*m_task);
+    if (m_probe)
+        m_tasks.stop(*m_probe);
+    m_task.reset();
+    m_probe.reset();
+    return ++m_run;
+}
+
+void AppState::setPhase(Phase phase) {
+    if (phase == m_phase)
+        return;
+    m_phase = std::move(phase);
+    emit phaseChanged();
+}
+
+void AppState::setSourceURL(std::optional<QString> url) {
+    if (url == m_sourceURL)
+        return;
+    m_sourceURL = std::move(url);
+    emit sourceURLChanged();
+}
+
+void AppState::setInfo(std::optional<MediaInfo> info) {
+    if (!info && !m_info)
+        return;
+    m_info = std::move(info);
+    emit infoChanged();
+}
+
+void AppState::setSelectedTrack(std::optional<qint64> index) {
+    if (index == m_selectedTrack)
+        return;
+    m_selectedTrack = index;
+    emit selectedTrackChanged();
+}
+
+void AppState::setOutputURL(std::optional<QString> url) {
+    if (url == m_outputURL)
+        return;
+    m_outputURL = std::move(url);
+    emit outputURLChanged();
+}
+
+void AppState::setForce(bool force) {
+    if (force == m_force)
+        return;
+    m_force = force;
+    emit forceChanged();
+}
+
+void AppState::setStage(JobStage stage) {
+    if (stage == m_stage)
+        return;
+    m_stage = stage;
+    emit stageChanged();
+}
+
+void AppState::setDetail(QString detail) {
+    if (detail == m_detail)
+        return;
+    m_detail = std::move(detail);
+    emit detailChanged();
+}
+
+void AppState::setProgress(std::optional<double> progress) {
+    if (progress == m_progress)
+        return;
+    m_progress = progress;
+    emit progressChanged();
+}
+
+void AppState::setResult(std::optional<JobResult> result) {
+    if (!result && !m_result)
+        return;
+    m_result = std::move(result);
+    emit resultChanged();
+}
+
+void AppState::setWarnings(QStringList warnings) {
+    if (warnings == m_warnings)
+        return;
+    m_warnings = std::move(warnings);
+    emit warningsChanged();
+}
+
+void AppState::setFfmpegStatus(std::optional<QString> status) {
+    if (status == m_ffmpegStatus)
+        return;
+    m_ffmpegStatus = std::move(status);
+    emit ffmpegStatusChanged();
+}
+
+void AppState::setFfmpegReady(bool ready) {
+    if (ready == m_ffmpegReady)
+        return;
+    m_ffmpegReady = ready;
+    emit ffmpegReadyChanged();
+}
+
+} // namespace velto
