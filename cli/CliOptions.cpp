@@ -2,6 +2,9 @@
 
 #include <optional>
 
+#include "VeltoKit/engines/AnthropicBackend.h"
+#include "VeltoKit/providers/Provider.h"
+
 namespace velto::cli {
 namespace {
 
@@ -59,6 +62,10 @@ private:
             job.force = true;
         else if (m_name == QStringLiteral("--list-tracks"))
             m_options.listTracks = true;
+        else if (m_name == QStringLiteral("--list-models"))
+            m_options.listModels = true;
+        else if (m_name == QStringLiteral("--check"))
+            m_options.check = true;
         else if (m_name == QStringLiteral("--json"))
             m_options.outputMode = OutputMode::json;
         else
@@ -85,8 +92,27 @@ private:
             job.forcedTrackIndex = count(0);
         else if (m_name == QStringLiteral("--output"))
             job.outputURL = value();
-        else if (m_name == QStringLiteral("--engine"))
-            m_options.engine = engine(value());
+        else if (m_name == QStringLiteral("--provider") || m_name == QStringLiteral("--engine"))
+            m_options.engine.providerID = providerID(value());
+        else if (m_name == QStringLiteral("--set-key"))
+            m_options.setKeyFor = providerID(value());
+        else
+            return engineSetting();
+        return true;
+    }
+
+    bool engineSetting() {
+        EngineOverrides& engine = m_options.engine;
+        if (m_name == QStringLiteral("--model"))
+            engine.model = value();
+        else if (m_name == QStringLiteral("--base-url"))
+            engine.baseURL = value();
+        else if (m_name == QStringLiteral("--effort"))
+            engine.effort = effort(value());
+        else if (m_name == QStringLiteral("--cli-model"))
+            engine.cliModel = value();
+        else if (m_name == QStringLiteral("--claude-path"))
+            engine.claudePath = value();
         else
             return false;
         return true;
@@ -121,14 +147,45 @@ private:
                          QStringLiteral("». Elegí neutro, rioplatense, latino o espana.")};
     }
 
-    static QString engine(const QString& text) {
-        if (text == QStringLiteral("echo"))
-            return text;
+    static QString providerID(const QString& text) {
+        QStringList ids;
+        for (const Provider& provider : Provider::all()) {
+            if (provider.id == text)
+                return text;
+            ids.append(provider.id);
+        }
         throw UsageError{QStringLiteral("No conozco el motor «") + text +
-                         QStringLiteral("». Por ahora el único es «echo», que no traduce.")};
+                         QStringLiteral("». Elegí uno de estos: ") +
+                         ids.join(QStringLiteral(", ")) + u'.'};
+    }
+
+    static QString effort(const QString& text) {
+        if (AnthropicBackend::effortFromRawValue(text))
+            return text;
+        QStringList raws;
+        for (AnthropicBackend::Effort effort : AnthropicBackend::efforts())
+            raws.append(AnthropicBackend::rawValue(effort));
+        throw UsageError{QStringLiteral("No conozco el esfuerzo «") + text +
+                         QStringLiteral("». Elegí uno de estos: ") +
+                         raws.join(QStringLiteral(", ")) + u'.'};
     }
 
     void check() const {
+        const int commands =
+            int(m_options.setKeyFor.has_value()) + int(m_options.listModels) + int(m_options.check);
+        if (commands > 1) {
+            throw UsageError{QStringLiteral("«--set-key», «--list-models» y «--check» van de a "
+                                            "uno.") +
+                             tryHelp()};
+        }
+        if (commands == 1) {
+            if (!m_options.videos.isEmpty()) {
+                throw UsageError{QStringLiteral("«--set-key», «--list-models» y «--check» no "
+                                                "llevan videos.") +
+                                 tryHelp()};
+            }
+            return;
+        }
         if (m_options.videos.isEmpty()) {
             throw UsageError{
                 QStringLiteral("Falta el video. Usá: veltomkv-cli [opciones] VIDEO...") +
@@ -160,13 +217,30 @@ ParsedCommandLine parseCommandLine(const QStringList& arguments) {
 QString helpText() {
     return QStringLiteral(
         "Uso: veltomkv-cli [opciones] VIDEO...\n"
+        "     veltomkv-cli --set-key PROVEEDOR < archivo-con-la-clave\n"
+        "     veltomkv-cli [opciones del motor] --list-models | --check\n"
         "\n"
         "Agrega a cada video una pista de subtítulos en español, traducida de su pista de\n"
         "texto, y escribe una copia (Pelicula.mkv → Pelicula.es.mkv). El original no se toca.\n"
         "Con varios videos los traduce uno por uno; si uno falla, sigue con el próximo.\n"
         "\n"
-        "Opciones:\n"
-        "  --engine NOMBRE         motor de traducción (por ahora solo «echo», que no traduce)\n"
+        "Motor de traducción (lo que des acá vale solo para esta vez; si no, se usa lo que\n"
+        "elegiste en la app):\n"
+        "  --provider ID           anthropic, openai, gemini, meta, local, custom, claudeCLI o\n"
+        "                          echo (prueba: antepone «[ES]» y no traduce nada)\n"
+        "  --model NOMBRE          el modelo (mirá cuáles hay con --list-models)\n"
+        "  --base-url URL          la dirección del servicio (local y custom)\n"
+        "  --effort NIVEL          anthropic: low (predeterminado), medium, high, xhigh o max\n"
+        "  --cli-model NOMBRE      claudeCLI: opus, sonnet (predeterminado) o haiku\n"
+        "  --claude-path RUTA      claudeCLI: dónde está el programa «claude»\n"
+        "  --set-key ID            guardar la clave de ese proveedor en el llavero del sistema,\n"
+        "                          leída de la entrada estándar (vacía: la borra)\n"
+        "  --list-models           listar los modelos que ofrece el servicio, uno por línea\n"
+        "  --check                 probar la conexión con el motor\n"
+        "La clave sale de VELTOMKV_API_KEY, si no de ANTHROPIC_API_KEY, OPENAI_API_KEY o\n"
+        "GEMINI_API_KEY según el proveedor, y si no del llavero del sistema.\n"
+        "\n"
+        "Opciones del trabajo:\n"
         "  --variant VARIANTE      neutro (predeterminada), rioplatense, latino o espana\n"
         "  --source-language COD   idioma a traducir, código ISO 639 (predeterminado: eng)\n"
         "  --track N               traducir la pista con ese número en vez de elegirla sola\n"
@@ -185,8 +259,16 @@ QString helpText() {
         "  --help                  esta ayuda\n"
         "  --version               la versión\n"
         "\n"
-        "Salida: 0 si todo salió bien, 1 si falló algún video, 2 si las opciones no son\n"
-        "válidas y 130 si lo cancelaste con Ctrl-C.\n");
+        "Ejemplos:\n"
+        "  printf %s \"$CLAVE\" | veltomkv-cli --set-key anthropic\n"
+        "  veltomkv-cli --provider anthropic Pelicula.mkv\n"
+        "  veltomkv-cli --provider local --base-url http://localhost:11434/v1 --list-models\n"
+        "  veltomkv-cli --provider local --model qwen3:8b Pelicula.mkv\n"
+        "  veltomkv-cli --provider claudeCLI --cli-model sonnet Pelicula.mkv\n"
+        "  veltomkv-cli --provider echo Pelicula.mkv\n"
+        "\n"
+        "Salida: 0 si todo salió bien, 1 si falló algún video (o el chequeo), 2 si las\n"
+        "opciones no son válidas y 130 si lo cancelaste con Ctrl-C.\n");
 }
 
 } // namespace velto::cli

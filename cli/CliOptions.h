@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <variant>
 
 #include <QString>
@@ -11,12 +12,26 @@ namespace velto::cli {
 
 enum class OutputMode { automatic, json };
 
+// Engine settings given on the command line: they replace the stored ones for this run only.
+struct EngineOverrides {
+    std::optional<QString> providerID;
+    std::optional<QString> model;
+    std::optional<QString> baseURL;
+    std::optional<QString> effort;
+    std::optional<QString> cliModel;
+    std::optional<QString> claudePath;
+};
+
 // Everything the command line asked for.
 struct CliOptions {
     JobOptions job;
-    QString engine = QStringLiteral("echo");
+    EngineOverrides engine;
     QStringList videos;
     bool listTracks = false;
+    // Instead of translating: store the key of this provider id, read from standard input.
+    std::optional<QString> setKeyFor;
+    bool listModels = false;
+    bool check = false;
     OutputMode outputMode = OutputMode::automatic;
 };
 

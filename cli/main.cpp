@@ -1,15 +1,19 @@
 #include <QCoreApplication>
-#include <QDir>
-#include <QStandardPaths>
 
-#include "VeltoKit/engines/EchoBackend.h"
+#include "VeltoKit/core/VeltoError.h"
+#include "VeltoKit/engines/HttpClient.h"
 #include "VeltoKit/media/Shell.h"
 #include "VeltoKit/media/ShellError.h"
+#include "VeltoKit/providers/ModelDiscovery.h"
+#include "VeltoKit/providers/Preferences.h"
+#include "VeltoKit/translation/TranslationBackend.h"
 #include "cli/CliOptions.h"
 #include "cli/CliRunner.h"
+#include "cli/EngineChoice.h"
 #include "cli/HumanReporter.h"
 #include "cli/InterruptWatcher.h"
 #include "cli/JsonReporter.h"
+#include "cli/KeyCommand.h"
 #include "cli/TerminalText.h"
 
 using namespace velto;
@@ -17,38 +21,99 @@ using namespace velto::cli;
 
 namespace {
 
-// The translation cache outlives runs on purpose: a cancelled job resumes without paying twice.
-QString cacheDirectory() {
-    return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation))
-        .filePath(QStringLiteral("VeltoMKV/Cache"));
-}
-
 std::unique_ptr<Reporter> makeReporter(OutputMode mode) {
     if (mode == OutputMode::json)
         return std::make_unique<JsonReporter>();
     return std::make_unique<HumanReporter>(isTerminal(stdout));
 }
 
-int translate(const CliOptions& options) {
+int failWith(const QString& message, const QString& fix = {}) {
+    writeText(stderr, message + u'\n' + (fix.isEmpty() ? QString() : fix + u'\n'));
+    return jobFailed;
+}
+
+// Runs `work` with Ctrl-C as a cancel; the program's message for what it throws.
+int interruptible(const std::function<int(std::stop_token)>& work) {
+    std::stop_source stop;
+    const InterruptWatcher watcher([&stop] { stop.request_stop(); });
+    try {
+        return work(stop.get_token());
+    } catch (const Cancelled&) {
+        return interrupted;
+    } catch (const VeltoError& error) {
+        return watcher.interrupted() ? interrupted : failWith(error.description());
+    }
+}
+
+int listModels(const EngineConfiguration& engine) {
+    return interruptible([&](std::stop_token stop) {
+        const QStringList models = ModelDiscovery::list(
+            engine.provider, engine.apiKey, engine.baseURL, *HttpClient::shared(), stop);
+        writeText(stdout, models.isEmpty() ? QString() : models.join(u'\n') + u'\n');
+        return int(success);
+    });
+}
+
+std::shared_ptr<const TranslationBackend> makeBackend(const EngineConfiguration& engine) {
+    try {
+        return engine.makeBackend();
+    } catch (const VeltoError& error) {
+        failWith(error.description(), EngineChoice::fixFor(engine));
+        return nullptr;
+    }
+}
+
+int check(const EngineConfiguration& engine) {
+    const std::shared_ptr<const TranslationBackend> backend = makeBackend(engine);
+    if (!backend)
+        return jobFailed;
+    return interruptible([&](std::stop_token stop) {
+        backend->preflight(stop);
+        writeText(stdout,
+                  backend->label() + QStringLiteral(" respondió correctamente. Todo listo.\n"));
+        return int(success);
+    });
+}
+
+int translate(const CliOptions& options, const EngineConfiguration& engine) {
     const std::optional<FFmpeg> ffmpeg = FFmpeg::locate();
     if (!ffmpeg) {
         const QString missing = Shell::which(QStringLiteral("ffmpeg")) ? QStringLiteral("ffprobe")
                                                                        : QStringLiteral("ffmpeg");
-        writeText(stderr, ShellError::notFound(missing).description() + u'\n');
-        return jobFailed;
+        return failWith(ShellError::notFound(missing).description());
+    }
+    // Listing tracks asks no engine, so it needs none configured.
+    std::shared_ptr<const TranslationBackend> backend;
+    if (!options.listTracks) {
+        backend = makeBackend(engine);
+        if (!backend)
+            return jobFailed;
     }
     std::stop_source stop;
     const InterruptWatcher watcher([&stop] { stop.request_stop(); });
     const std::unique_ptr<Reporter> reporter = makeReporter(options.outputMode);
-    CliRunner runner(options, *ffmpeg, std::make_shared<EchoBackend>(), cacheDirectory(),
-                     *reporter);
+    CliRunner runner(options, *ffmpeg, backend, Preferences::cacheDirectory(), *reporter);
     return runner.run(stop.get_token(), [&watcher] { return watcher.interrupted(); });
+}
+
+int execute(const CliOptions& options) {
+    if (options.setKeyFor)
+        return storeKeyFromInput(Provider::byID(*options.setKeyFor));
+    const Preferences preferences(Preferences::platformStore(), &EngineChoice::apiKeyFor);
+    const EngineConfiguration engine = EngineChoice::configuration(preferences, options.engine);
+    if (options.listModels)
+        return listModels(engine);
+    if (options.check)
+        return check(engine);
+    return translate(options, engine);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("VeltoMKV"));
+    QCoreApplication::setOrganizationDomain(QStringLiteral("veltomkv.com"));
     QCoreApplication::setApplicationName(QStringLiteral("veltomkv-cli"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELTO_VERSION));
 
@@ -65,5 +130,5 @@ int main(int argc, char** argv) {
         writeText(stderr, error->message + u'\n');
         return badUsage;
     }
-    return translate(std::get<CliOptions>(parsed));
+    return execute(std::get<CliOptions>(parsed));
 }

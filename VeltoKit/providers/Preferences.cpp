@@ -200,8 +200,11 @@ void Preferences::setBaseURL(const QString& address, const Provider& provider) {
 }
 
 EngineConfiguration Preferences::engineConfiguration() const {
-    const Provider& chosen = provider();
-    return EngineConfiguration(chosen, m_readKey(chosen.id), baseURL(chosen), model(chosen),
+    return engineConfiguration(provider());
+}
+
+EngineConfiguration Preferences::engineConfiguration(const Provider& provider) const {
+    return EngineConfiguration(provider, m_readKey(provider.id), baseURL(provider), model(provider),
                                anthropicEffort(), cliModel(), cliBinaryPath());
 }
 

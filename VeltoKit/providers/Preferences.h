@@ -5,6 +5,7 @@
 #include <optional>
 
 #include <QObject>
+#include <QSettings>
 #include <QString>
 
 #include "VeltoKit/engines/AnthropicBackend.h"
@@ -12,8 +13,6 @@
 #include "VeltoKit/providers/EngineConfiguration.h"
 #include "VeltoKit/providers/Provider.h"
 #include "VeltoKit/translation/SpanishVariant.h"
-
-class QSettings;
 
 namespace velto {
 
@@ -82,8 +81,10 @@ public:
     QString baseURL(const Provider& provider) const;
     void setBaseURL(const QString& address, const Provider& provider);
 
-    // The chosen engine with its key, read from the credential store now.
+    // The chosen engine with its key, read now.
     EngineConfiguration engineConfiguration() const;
+    // The same for another provider, with that provider's own key, model and address.
+    EngineConfiguration engineConfiguration(const Provider& provider) const;
     JobOptions makeJobOptions(std::optional<QString> output, std::optional<qint64> forcedTrack,
                               bool force) const;
 

@@ -33,6 +33,11 @@ protected:
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(u"TMPDIR"_s, path(u"tmp"_s));
         environment.insert(u"XDG_DATA_HOME"_s, path(u"data"_s));
+        // The engine a user chose in the app: here the offline one.
+        environment.insert(u"XDG_CONFIG_HOME"_s, path(u"config"_s));
+        QDir(m_root.path()).mkpath(u"config/VeltoMKV"_s);
+        MediaFixtures::writeFile(path(u"config/VeltoMKV/VeltoMKV.conf"_s),
+                                 "[General]\nproviderID=echo\n");
         m_process.setProcessEnvironment(environment);
     }
 

@@ -1,0 +1,148 @@
+#include "VeltoKit/providers/EngineConfiguration.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "VeltoKit/engines/ClaudeCLIBackend.h"
+#include "VeltoKit/engines/GeminiBackend.h"
+#include "VeltoKit/engines/OpenAICompatibleBackend.h"
+#include "VeltoKit/platform/PlatformText.h"
+#include "support/EngineTesting.h"
+
+using namespace velto;
+using namespace velto::test;
+using namespace Qt::StringLiterals;
+using Effort = AnthropicBackend::Effort;
+
+namespace {
+
+EngineConfiguration setup(const Provider& provider, const QString& key, const QString& model,
+                          const QString& baseURL = {}) {
+    return EngineConfiguration(provider, key, baseURL, model, Effort::medium, u"opus"_s, {});
+}
+
+} // namespace
+
+TEST(Provider, CatalogueOrderLookupAndPresets) {
+    QStringList ids;
+    for (const Provider& provider : Provider::all())
+        ids << provider.id;
+    EXPECT_EQ(ids, QStringList({u"anthropic"_s, u"openai"_s, u"gemini"_s, u"meta"_s, u"local"_s,
+                                u"custom"_s, u"claudeCLI"_s, u"echo"_s}));
+    for (const QString& unknown : {u""_s, u"Anthropic"_s, u"nonexistent"_s})
+        EXPECT_EQ(Provider::byID(unknown), Provider::claude()) << unknown.toStdString();
+    EXPECT_EQ(Provider::byID(u"echo"), Provider::echo());
+
+    // The first local preset and the OpenRouter preset are the providers' own defaults.
+    EXPECT_EQ(Provider::local().presets().size(), 3);
+    EXPECT_EQ(Provider::local().presets().first().baseURL, Provider::local().defaultBaseURL);
+    EXPECT_EQ(Provider::custom().presets().size(), 6);
+    EXPECT_EQ(Provider::custom().presets().first().baseURL, Provider::custom().defaultBaseURL);
+    EXPECT_TRUE(Provider::openAI().presets().isEmpty());
+    for (const Provider& provider : Provider::all()) {
+        EXPECT_EQ(Provider::flavorFromRawValue(Provider::rawValue(provider.flavor)),
+                  provider.flavor);
+        EXPECT_EQ(provider.usesKeychain(), provider.needsKey);
+    }
+}
+
+TEST(EngineConfiguration, SaysWhatIsMissingAndNamesItself) {
+    struct Row {
+        EngineConfiguration configuration;
+        std::optional<QString> missing;
+        QString summary;
+    };
+    const std::vector<Row> rows = {
+        {setup(Provider::custom(), {}, u"m"_s),
+         u"Falta la API key de Otro servicio. Cargala en Ajustes; la sacás de el panel del "
+         "servicio que uses."_s,
+         u"Motor: Otro servicio · m"_s},
+        {setup(Provider::local(), {}, {}),
+         u"Elegí un modelo en Ajustes: apretá «Buscar» para ver los que ofrece Modelo local."_s,
+         u"Motor: Modelo local · sin modelo elegido"_s},
+        {setup(Provider::gemini(), u"k"_s, {}),
+         u"Elegí un modelo en Ajustes: apretá «Buscar» para ver los que ofrece Google Gemini."_s,
+         u"Motor: Google Gemini · sin modelo elegido"_s},
+        {setup(Provider::claude(), u"k"_s, {}), std::nullopt,
+         u"Motor: Claude · sin modelo elegido"_s},
+        {setup(Provider::openAI(), u"k"_s, u"gpt-x"_s), std::nullopt,
+         u"Motor: ChatGPT (OpenAI) · gpt-x"_s},
+        {setup(Provider::claudeCLI(), {}, {}), std::nullopt, u"Motor: Claude Code (opus)"_s},
+        {setup(Provider::echo(), {}, {}), std::nullopt, u"Modo prueba: no se traduce nada"_s},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.configuration.provider.id.toStdString());
+        EXPECT_EQ(row.configuration.missingRequirement(), row.missing);
+        EXPECT_EQ(row.configuration.isReady(), !row.missing);
+        EXPECT_EQ(row.configuration.summary(), row.summary);
+        if (row.missing)
+            EXPECT_EQ(fatalMessageOf([&] { row.configuration.makeBackend(); }), *row.missing);
+    }
+}
+
+TEST(EngineConfiguration, BuildsTheEngineOfEachFlavorWithItsAddressTrimmed) {
+    const auto http = std::make_shared<HttpClient>();
+    EXPECT_EQ(setup(Provider::local(), {}, u"m"_s).baseURL, Provider::local().defaultBaseURL);
+    const EngineConfiguration local = setup(Provider::local(), {}, u"m"_s, u" http://h:1/v1/ "_s);
+    EXPECT_EQ(local.baseURL, u" http://h:1/v1/ "_s);
+    const auto openAI =
+        std::dynamic_pointer_cast<const OpenAICompatibleBackend>(local.makeBackend(http));
+    ASSERT_TRUE(openAI);
+    EXPECT_EQ(openAI->baseUrl(), u"http://h:1/v1"_s);
+    EXPECT_EQ(openAI->label(), u"Modelo local"_s);
+    EXPECT_EQ(openAI->timeout(), 600);
+
+    const auto anthropic = std::dynamic_pointer_cast<const AnthropicBackend>(
+        setup(Provider::claude(), u"k"_s, {}).makeBackend(http));
+    ASSERT_TRUE(anthropic);
+    EXPECT_EQ(anthropic->model(), u"claude-opus-5"_s);
+    EXPECT_EQ(anthropic->effort(), Effort::medium);
+
+    const auto gemini = std::dynamic_pointer_cast<const GeminiBackend>(
+        setup(Provider::gemini(), u"k"_s, u"g"_s, u"https://x/v1beta/"_s).makeBackend(http));
+    ASSERT_TRUE(gemini);
+    EXPECT_EQ(gemini->baseUrl(), u"https://x/v1beta"_s);
+    EXPECT_EQ(setup(Provider::echo(), {}, {}).makeBackend(http)->label(),
+              u"Prueba (sin traducir)"_s);
+}
+
+TEST(EngineConfiguration, CachedTranslationsNeverCrossModelsOrEfforts) {
+    const auto scope = [](EngineConfiguration configuration) {
+        return configuration.makeBackend()->cacheScope();
+    };
+    const EngineConfiguration local = setup(Provider::local(), {}, u"a"_s);
+    EXPECT_EQ(scope(local), scope(setup(Provider::local(), u"k"_s, u"a"_s)));
+    EXPECT_NE(scope(local), scope(setup(Provider::local(), {}, u"b"_s)));
+    EXPECT_NE(scope(local), scope(setup(Provider::local(), {}, u"a"_s, u"http://other:1/v1"_s)));
+    EXPECT_NE(scope(setup(Provider::gemini(), u"k"_s, u"a"_s)),
+              scope(setup(Provider::gemini(), u"k"_s, u"b"_s)));
+    EngineConfiguration claude = setup(Provider::claude(), u"k"_s, u"a"_s);
+    const QString medium = scope(claude);
+    claude.effort = Effort::high;
+    EXPECT_NE(scope(claude), medium);
+}
+
+TEST(EngineConfiguration, FindsTheClaudeProgramWhereTheUserSaysOrExplainsWhereToSay) {
+    QTemporaryDir folder;
+    const QString binary = QDir(folder.path()).filePath(u"claude"_s);
+    QFile file(binary);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("#!/bin/sh\n");
+    file.close();
+    file.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+
+    EngineConfiguration cli = setup(Provider::claudeCLI(), {}, {});
+    cli.cliBinaryPath = folder.path();
+    const auto backend = std::dynamic_pointer_cast<const ClaudeCLIBackend>(cli.makeBackend());
+    ASSERT_TRUE(backend);
+    EXPECT_EQ(backend->binary(), binary);
+    EXPECT_EQ(backend->model(), u"opus"_s);
+
+    cli.cliBinaryPath = QDir(folder.path()).filePath(u"nowhere/claude"_s);
+    if (ClaudeCLIBackend::locate(cli.cliBinaryPath))
+        GTEST_SKIP() << "a real claude is installed here, so it would be found";
+    EXPECT_EQ(fatalMessageOf([&] { cli.makeBackend(); }),
+              u"No encuentro el binario «claude» en "_s + PlatformText::thisComputer() +
+                  u". Si lo tenés instalado, indicá su ruta en Ajustes."_s);
+}

@@ -1,0 +1,157 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include "support/ChatCompletionsServer.h"
+#include "support/MediaFixtures.h"
+#include "support/SecretService.h"
+
+using namespace Qt::StringLiterals;
+using namespace velto;
+using namespace velto::test;
+
+namespace {
+
+struct Outcome {
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+// veltomkv-cli as a new user runs it against a local OpenAI-compatible server: a home of its
+// own (settings, cache, temporary files) and the private credential store of the test run.
+class CliEngineTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!usePrivateSecretService())
+            GTEST_SKIP() << "no private Secret Service: run through ctest";
+#if !defined(Q_OS_LINUX)
+        GTEST_SKIP() << "would store keys in this user's own credential store";
+#endif
+        ASSERT_TRUE(m_root.isValid());
+        QDir(m_root.path()).mkpath(u"tmp"_s);
+        m_environment = QProcessEnvironment::systemEnvironment();
+        for (const QString& variable :
+             {u"VELTOMKV_API_KEY"_s, u"OPENAI_API_KEY"_s, u"ANTHROPIC_API_KEY"_s})
+            m_environment.remove(variable);
+        m_environment.insert(u"TMPDIR"_s, path(u"tmp"_s));
+        m_environment.insert(u"XDG_DATA_HOME"_s, path(u"data"_s));
+        m_environment.insert(u"XDG_CONFIG_HOME"_s, path(u"config"_s));
+    }
+
+    QString path(const QString& name) const {
+        return QDir(m_root.path()).filePath(name);
+    }
+
+    Outcome run(const QStringList& arguments, const QByteArray& input = {}) {
+        QProcess process;
+        process.setProcessEnvironment(m_environment);
+        process.start(QStringLiteral(VELTO_CLI_PATH), arguments);
+        process.write(input);
+        process.closeWriteChannel();
+        process.waitForFinished(-1);
+        const Outcome outcome{process.exitCode(),
+                              QString::fromUtf8(process.readAllStandardOutput()),
+                              QString::fromUtf8(process.readAllStandardError())};
+        m_everything += outcome.out + outcome.err;
+        return outcome;
+    }
+
+    QStringList engine(const ChatCompletionsServer& server, const QStringList& more) const {
+        return QStringList{u"--provider"_s, u"custom"_s, u"--base-url"_s, server.baseUrl()} + more;
+    }
+
+    QString video(const QStringList& lines) const {
+        MediaFixtures::VideoRecipe recipe;
+        recipe.subtitles = {{.language = u"eng"_s, .lines = lines}};
+        MediaFixtures::writeVideo(path(u"Película.mkv"_s), recipe);
+        return path(u"Película.mkv"_s);
+    }
+
+    // The cue texts of the Spanish track of `video`.
+    static QString spanishTrack(const QString& video) {
+        QProcess ffmpeg;
+        ffmpeg.start(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, video, u"-map"_s, u"0:s:1"_s,
+                                   u"-f"_s, u"srt"_s, u"-"_s});
+        ffmpeg.waitForFinished(-1);
+        return QString::fromUtf8(ffmpeg.readAllStandardOutput());
+    }
+
+    QTemporaryDir m_root;
+    QProcessEnvironment m_environment;
+    QString m_everything;
+};
+
+} // namespace
+
+TEST_F(CliEngineTest, ANewUserStoresAKeyListsModelsChecksAndTranslates) {
+    ChatCompletionsServer server({.loseABlockOnce = true});
+    const Outcome stored = run({u"--set-key"_s, u"custom"_s}, "sk-prueba\n");
+    EXPECT_EQ(stored.status, 0) << stored.err.toStdString();
+    EXPECT_EQ(stored.out, u"Guardé la clave de Otro servicio en el llavero del sistema.\n"_s);
+
+    const Outcome models = run(engine(server, {u"--list-models"_s}));
+    EXPECT_EQ(models.out, u"modelo-a\nmodelo-b\n"_s) << models.err.toStdString();
+    const Outcome check = run(engine(server, {u"--model"_s, u"modelo-a"_s, u"--check"_s}));
+    EXPECT_EQ(check.out, u"Otro servicio respondió correctamente. Todo listo.\n"_s)
+        << check.err.toStdString();
+
+    const QString source = video({u"Hello there."_s, u"How are you?"_s, u"Fine, thanks."_s,
+                                  u"Good night."_s, u"See you."_s});
+    const Outcome translated = run(engine(
+        server, {u"--model"_s, u"modelo-a"_s, u"--batch-size"_s, u"4"_s, u"--no-cache"_s, source}));
+    ASSERT_EQ(translated.status, 0) << translated.err.toStdString();
+    const QString track = spanishTrack(path(u"Película.es.mkv"_s));
+    for (const QString& line : {u"es: Hello there."_s, u"es: Fine, thanks."_s, u"es: See you."_s})
+        EXPECT_TRUE(track.contains(line)) << track.toStdString();
+    EXPECT_FALSE(track.contains(u"think"_s)) << track.toStdString();
+    // Preflight, the batch of four that lost a block, its two halves, and the last cue.
+    EXPECT_EQ(server.completions(), 6);
+
+    for (const QByteArray& authorization : server.authorizations())
+        EXPECT_EQ(authorization, "Bearer sk-prueba");
+    EXPECT_FALSE(m_everything.contains(u"sk-prueba"_s));
+    QFile settings(path(u"config/VeltoMKV/VeltoMKV.conf"_s));
+    if (settings.open(QIODevice::ReadOnly))
+        EXPECT_FALSE(settings.readAll().contains("sk-prueba"));
+
+    EXPECT_EQ(run({u"--set-key"_s, u"custom"_s}, "").out, u"Borré la clave de Otro servicio.\n"_s);
+    EXPECT_TRUE(run(engine(server, {u"--model"_s, u"m"_s, u"--check"_s}))
+                    .err.startsWith(u"Falta la API key de Otro servicio."_s));
+}
+
+TEST_F(CliEngineTest, MissingRejectedAndUnreachableSettingsAreSaidInTheProgramsWords) {
+    ChatCompletionsServer server({});
+    // Nobody stores a Meta key in these tests; the other test owns the "custom" one.
+    const Outcome missing = run({u"--provider"_s, u"meta"_s, u"--check"_s});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err,
+              u"Falta la API key de Meta Llama. Cargala en Ajustes; la sacás de "
+              "llama.developer.meta.com.\nDesde la terminal: printf %s \"$CLAVE\" | veltomkv-cli "
+              "--set-key meta, o la variable VELTOMKV_API_KEY.\n"_s);
+
+    m_environment.insert(u"VELTOMKV_API_KEY"_s, u"sk-mala"_s);
+    const Outcome rejected = run(engine(server, {u"--model"_s, u"m"_s, u"--check"_s}));
+    EXPECT_EQ(rejected.status, 1);
+    EXPECT_EQ(rejected.err, u"La API key fue rechazada (401): {\"error\":{\"message\":\"Incorrect "
+                            "API key provided\"}}\n"_s);
+
+    const Outcome dead = run({u"--provider"_s, u"local"_s, u"--base-url"_s,
+                              u"http://127.0.0.1:9/v1"_s, u"--list-models"_s});
+    EXPECT_EQ(
+        dead.err,
+        u"No pude conectarme a http://127.0.0.1:9/v1. ¿Está corriendo el servidor local?\n"_s);
+    const Outcome noModel = run({u"--provider"_s, u"local"_s, path(u"Nada.mkv"_s)});
+    EXPECT_TRUE(noModel.err.startsWith(u"Elegí un modelo en Ajustes: apretá «Buscar» para ver los "
+                                       "que ofrece Modelo local.\n"_s))
+        << noModel.err.toStdString();
+
+    m_environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent/bus"_s);
+    const Outcome noStore = run({u"--set-key"_s, u"custom"_s}, "sk-prueba");
+    EXPECT_EQ(noStore.status, 1);
+    EXPECT_TRUE(noStore.err.startsWith(u"No encuentro el llavero del sistema"_s))
+        << noStore.err.toStdString();
+}

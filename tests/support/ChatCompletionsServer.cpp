@@ -1,0 +1,124 @@
+#include "support/ChatCompletionsServer.h"
+
+#include <csignal>
+#include <stdexcept>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <httplib.h>
+
+#include "VeltoKit/translation/BlockProtocol.h"
+
+namespace velto::test {
+
+namespace {
+
+QByteArray json(const QJsonObject& object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+} // namespace
+
+ChatCompletionsServer::ChatCompletionsServer(Behaviour behaviour)
+    : m_behaviour(std::move(behaviour))
+    , m_server(std::make_unique<httplib::Server>()) {
+    std::signal(SIGPIPE, SIG_IGN);
+    if (!m_behaviour.translate) {
+        m_behaviour.translate = [](int, const QString& text) {
+            return QStringLiteral("es: ") + text;
+        };
+    }
+    const auto authorized = [this](const httplib::Request& request, httplib::Response& response) {
+        const QByteArray header =
+            QByteArray::fromStdString(request.get_header_value("Authorization"));
+        std::lock_guard lock(m_mutex);
+        m_authorizations.append(header);
+        if (header == "Bearer " + m_behaviour.key.toUtf8())
+            return true;
+        response.status = 401;
+        response.set_content(R"({"error":{"message":"Incorrect API key provided"}})",
+                             "application/json");
+        return false;
+    };
+    m_server->Get("/v1/models", [this, authorized](const auto& request, auto& response) {
+        if (!authorized(request, response))
+            return;
+        QJsonArray data;
+        for (const QString& model : m_behaviour.models)
+            data.append(QJsonObject{{QStringLiteral("id"), model}});
+        response.set_content(json({{QStringLiteral("data"), data}}).toStdString(),
+                             "application/json");
+    });
+    m_server->Post("/v1/chat/completions", [this, authorized](const auto& request, auto& response) {
+        if (!authorized(request, response))
+            return;
+        response.set_content(answer(QByteArray::fromStdString(request.body)).toStdString(),
+                             "application/json");
+    });
+    m_port = m_server->bind_to_any_port("127.0.0.1");
+    if (m_port <= 0)
+        throw std::runtime_error("the test server found no free port");
+    m_listener = std::thread([this] { m_server->listen_after_bind(); });
+    while (!m_server->is_running())
+        std::this_thread::yield();
+}
+
+ChatCompletionsServer::~ChatCompletionsServer() {
+    m_server->stop();
+    m_listener.join();
+}
+
+QString ChatCompletionsServer::baseUrl() const {
+    return QStringLiteral("http://127.0.0.1:%1/v1").arg(m_port);
+}
+
+int ChatCompletionsServer::completions() const {
+    std::lock_guard lock(m_mutex);
+    return m_completions;
+}
+
+QList<QByteArray> ChatCompletionsServer::authorizations() const {
+    std::lock_guard lock(m_mutex);
+    return m_authorizations;
+}
+
+QByteArray ChatCompletionsServer::answer(const QByteArray& requestBody) {
+    {
+        std::lock_guard lock(m_mutex);
+        ++m_completions;
+    }
+    const QJsonArray messages =
+        QJsonDocument::fromJson(requestBody).object().value(QStringLiteral("messages")).toArray();
+    const QString prompt = messages.last().toObject().value(QStringLiteral("content")).toString();
+    const qsizetype start = prompt.indexOf(BlockProtocol::header());
+    if (start < 0)
+        return reply(QStringLiteral("<think>Me piden PONG.</think>PONG"));
+    const std::map<int, QString> blocks =
+        BlockProtocol::split(start < 0 ? prompt : prompt.mid(start));
+
+    QList<std::pair<int, QString>> answered;
+    for (const auto& [number, text] : blocks)
+        answered.append({number, m_behaviour.translate(number, text)});
+    {
+        std::lock_guard lock(m_mutex);
+        if (m_behaviour.loseABlockOnce && !m_lostOne && answered.size() > 1) {
+            answered.removeLast();
+            m_lostOne = true;
+        }
+    }
+    return reply(QStringLiteral("<think>Veamos: son ") + QString::number(blocks.size()) +
+                 QStringLiteral(" bloques.</think>\n") + BlockProtocol::build(answered));
+}
+
+QByteArray ChatCompletionsServer::reply(const QString& content) {
+    const QJsonObject message{{QStringLiteral("role"), QStringLiteral("assistant")},
+                              {QStringLiteral("content"), content}};
+    return json(
+        {{QStringLiteral("choices"),
+          QJsonArray{QJsonObject{{QStringLiteral("message"), message},
+                                 {QStringLiteral("finish_reason"), QStringLiteral("stop")}}}}});
+}
+
+} // namespace velto::test
