@@ -115,8 +115,9 @@ TEST_F(CliEngineTest, ANewUserStoresAKeyListsModelsChecksAndTranslates) {
         EXPECT_EQ(authorization, "Bearer sk-prueba");
     EXPECT_FALSE(m_everything.contains(u"sk-prueba"_s));
     QFile settings(path(u"config/VeltoMKV/VeltoMKV.conf"_s));
-    if (settings.open(QIODevice::ReadOnly))
+    if (settings.open(QIODevice::ReadOnly)) {
         EXPECT_FALSE(settings.readAll().contains("sk-prueba"));
+    }
 
     EXPECT_EQ(run({u"--set-key"_s, u"custom"_s}, "").out, u"Borré la clave de Otro servicio.\n"_s);
     EXPECT_TRUE(run(engine(server, {u"--model"_s, u"m"_s, u"--check"_s}))

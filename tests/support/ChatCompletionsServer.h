@@ -27,7 +27,7 @@ public:
         QStringList models = {QStringLiteral("modelo-b"), QStringLiteral("modelo-a")};
         bool loseABlockOnce = false;
         // Rewrites a block's answer; the default prefixes "es: ".
-        std::function<QString(int number, const QString& text)> translate;
+        std::function<QString(int number, const QString& text)> translate{};
     };
 
     explicit ChatCompletionsServer(Behaviour behaviour);

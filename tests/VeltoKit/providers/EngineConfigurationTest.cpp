@@ -76,8 +76,9 @@ TEST(EngineConfiguration, SaysWhatIsMissingAndNamesItself) {
         EXPECT_EQ(row.configuration.missingRequirement(), row.missing);
         EXPECT_EQ(row.configuration.isReady(), !row.missing);
         EXPECT_EQ(row.configuration.summary(), row.summary);
-        if (row.missing)
+        if (row.missing) {
             EXPECT_EQ(fatalMessageOf([&] { row.configuration.makeBackend(); }), *row.missing);
+        }
     }
 }
 
