@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -55,7 +56,21 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     : QWidget(parent)
     , m_state(state)
     , m_preferences(preferences) {
-    auto* layout = new QVBoxLayout(this);
+    auto* page = new QVBoxLayout(this);
+    page->setContentsMargins(0, 0, 0, 0);
+    page->setSpacing(Look::rowGap);
+    // Opening the options may need more room than the window has: the content scrolls and the
+    // main button stays where it is.
+    auto* scroll = new QScrollArea(this);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* content = new QWidget(scroll);
+    scroll->setWidget(content);
+    scroll->viewport()->setBackgroundRole(QPalette::Window);
+    content->setBackgroundRole(QPalette::Window);
+    page->addWidget(scroll, 1);
+    auto* layout = new QVBoxLayout(content);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(Look::rowGap);
 
@@ -83,6 +98,9 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     m_tracks->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_tracks->setTextElideMode(Qt::ElideRight);
     m_tracks->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_tracks->setUniformItemSizes(true);
+    const int mark = fontMetrics().height();
+    m_tracks->setIconSize(QSize(mark, mark));
     layout->addWidget(m_tracks);
     connect(m_tracks, &QListWidget::currentItemChanged, this, [this](QListWidgetItem* item) {
         if (item && (item->flags() & Qt::ItemIsEnabled))
@@ -116,10 +134,13 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     m_disclosure->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_disclosure->setArrowType(Qt::RightArrow);
     m_disclosure->setAutoRaise(true);
+    m_disclosure->setStyleSheet(QStringLiteral("QToolButton { border: none; padding: 2px 0; }"));
     disclosureRow->addWidget(m_disclosure);
+    disclosureRow->addSpacing(Look::rowGap);
     m_optionsSummary = Look::secondary(QString(), this);
     m_optionsSummary->setWordWrap(false);
-    disclosureRow->addWidget(m_optionsSummary, 1);
+    disclosureRow->addWidget(m_optionsSummary);
+    disclosureRow->addStretch(1);
     layout->addLayout(disclosureRow);
     m_options = new OptionsPanel(preferences, this);
     m_options->setVisible(false);
@@ -168,7 +189,7 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     m_start = Look::primaryButton(QStringLiteral("Traducir al español"), this);
     connect(m_start, &QPushButton::clicked, this, &JobView::startRequested);
     footer->addWidget(m_start);
-    layout->addLayout(footer);
+    page->addLayout(footer);
 
     setTabOrder(m_tracks, m_force);
     setTabOrder(m_force, m_disclosure);
@@ -210,13 +231,13 @@ void JobView::showTracks() {
     for (const SubtitleTrack& track : info->tracks) {
         auto* item = new QListWidgetItem(describe(track), m_tracks);
         item->setData(trackIndexRole, track.index);
+        item->setSizeHint(QSize(0, rowHeight()));
         if (track.isBitmap())
             item->setFlags(item->flags() & ~(Qt::ItemIsEnabled | Qt::ItemIsSelectable));
     }
     // Every row shows without scrolling up to six; more scroll.
     const int rows = static_cast<int>(qMin<qsizetype>(info->tracks.size(), 6));
-    const int rowHeight = qMax(m_tracks->sizeHintForRow(0), fontMetrics().height() + 8);
-    m_tracks->setFixedHeight(rows * rowHeight + 2 * m_tracks->frameWidth() + 4);
+    m_tracks->setFixedHeight(qMax(rows, 1) * rowHeight() + 2 * m_tracks->frameWidth());
 
     switch (info->spanishStatus()) {
     case SpanishStatus::full:
@@ -240,6 +261,10 @@ void JobView::showTracks() {
         break;
     }
     markChosenTrack();
+}
+
+int JobView::rowHeight() const {
+    return fontMetrics().height() * 2;
 }
 
 void JobView::markChosenTrack() {

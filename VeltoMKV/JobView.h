@@ -44,6 +44,7 @@ private:
     void showTracks();
     void markChosenTrack();
     void showOutput();
+    int rowHeight() const;
     void chooseOutput();
 
     AppState& m_state;

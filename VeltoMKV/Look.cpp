@@ -48,11 +48,11 @@ QPushButton* primaryButton(const QString& text, QWidget* parent) {
     button->setDefault(true);
     button->setStyleSheet(QStringLiteral(
         "QPushButton#primary { background-color: palette(highlight); color: "
-        "palette(highlighted-text); border: none; border-radius: 6px; padding: 7px 18px; "
+        "palette(highlighted-text); border: none; border-radius: 6px; padding: 5px 18px; "
         "font-weight: 600; }"
         "QPushButton#primary:hover { background-color: palette(link); }"
         "QPushButton#primary:focus { outline: none; border: 2px solid palette(highlighted-text); "
-        "padding: 5px 16px; }"
+        "padding: 3px 16px; }"
         "QPushButton#primary:disabled { background-color: palette(mid); color: palette(window); "
         "}"));
     return button;
@@ -82,8 +82,7 @@ QIcon warningIcon() {
 namespace {
 
 template <typename Draw>
-QIcon drawn(Draw draw) {
-    QIcon icon;
+void addDrawn(QIcon& icon, QIcon::Mode mode, Draw draw) {
     for (int size : {16, 20, 24, 32, 40, 48, 64, 96}) {
         QPixmap pixmap(size, size);
         pixmap.fill(Qt::transparent);
@@ -91,26 +90,38 @@ QIcon drawn(Draw draw) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.scale(size / 16.0, size / 16.0);
         draw(painter);
-        icon.addPixmap(pixmap);
+        icon.addPixmap(pixmap, mode);
     }
+}
+
+template <typename Draw>
+QIcon drawn(Draw draw) {
+    QIcon icon;
+    addDrawn(icon, QIcon::Normal, draw);
     return icon;
 }
 
 } // namespace
 
 QIcon choiceMark(bool chosen, const QPalette& palette) {
-    const QColor accent = palette.highlight().color();
-    const QColor ring = palette.mid().color();
-    return drawn([&](QPainter& painter) {
-        painter.setPen(QPen(chosen ? accent : ring, 1.4));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawEllipse(QRectF(2, 2, 12, 12));
-        if (chosen) {
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(accent);
-            painter.drawEllipse(QRectF(5, 5, 6, 6));
-        }
-    });
+    const auto mark = [chosen](QColor colour) {
+        return [chosen, colour](QPainter& painter) {
+            painter.setPen(QPen(colour, 1.4));
+            painter.setBrush(Qt::NoBrush);
+            painter.drawEllipse(QRectF(2, 2, 12, 12));
+            if (chosen) {
+                painter.setPen(Qt::NoPen);
+                painter.setBrush(colour);
+                painter.drawEllipse(QRectF(5, 5, 6, 6));
+            }
+        };
+    };
+    QIcon icon;
+    addDrawn(icon, QIcon::Normal,
+             mark(chosen ? palette.highlight().color() : palette.mid().color()));
+    // On the highlighted row the mark takes the row's text colour, or it would vanish.
+    addDrawn(icon, QIcon::Selected, mark(palette.highlightedText().color()));
+    return icon;
 }
 
 QIcon doneMark(const QPalette& palette) {

@@ -270,6 +270,18 @@ bool MainWindow::acceptsFiles() const {
     return m_state.phase().kind() != Phase::Kind::working;
 }
 
+void MainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    // Style sheets resolve palette colours once; a switch to dark mode must resolve them again.
+    if (event->type() == QEvent::ApplicationPaletteChange ||
+        event->type() == QEvent::PaletteChange) {
+        for (QWidget* child : findChildren<QWidget*>()) {
+            if (!child->styleSheet().isEmpty())
+                child->setStyleSheet(child->styleSheet());
+        }
+    }
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
     // The job stops at its next suspension point and removes its unfinished output as it leaves.
     if (m_state.hasTask())

@@ -35,23 +35,22 @@ ProgressView::ProgressView(AppState& state, QWidget* parent)
     layout->addLayout(header);
     layout->addStretch(2);
 
+    // The percentage sits on the stage's line, so the bar spans the column whether it is known.
+    auto* stageRow = new QHBoxLayout();
     m_stage = Look::heading(QString(), this);
-    layout->addWidget(m_stage);
+    stageRow->addWidget(m_stage, 1);
+    m_percent = Look::secondary(QString(), this);
+    m_percent->setWordWrap(false);
+    m_percent->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    stageRow->addWidget(m_percent);
+    layout->addLayout(stageRow);
     m_detail = Look::secondary(QString(), this);
     m_detail->setMinimumHeight(m_detail->fontMetrics().height());
     layout->addWidget(m_detail);
 
-    auto* barRow = new QHBoxLayout();
-    barRow->setSpacing(Look::rowGap);
     m_bar = new QProgressBar(this);
     m_bar->setTextVisible(false);
-    barRow->addWidget(m_bar, 1);
-    m_percent = Look::secondary(QString(), this);
-    m_percent->setWordWrap(false);
-    m_percent->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_percent->setMinimumWidth(m_percent->fontMetrics().horizontalAdvance(QStringLiteral("100 %")));
-    barRow->addWidget(m_percent);
-    layout->addLayout(barRow);
+    layout->addWidget(m_bar);
 
     m_elapsed = Look::secondary(QString(), this);
     layout->addWidget(m_elapsed);

@@ -1,0 +1,325 @@
+#include "VeltoMKV/MainWindow.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QLabel>
+#include <QListWidget>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QTest>
+#include <QToolButton>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+#include "VeltoKit/job/JobError.h"
+#include "VeltoKit/platform/PlatformText.h"
+#include "VeltoMKV/AppShell.h"
+#include "VeltoMKV/AppTesting.h"
+#include "VeltoMKV/DropZone.h"
+#include "VeltoMKV/FailureView.h"
+#include "VeltoMKV/JobView.h"
+#include "VeltoMKV/OpenFileRelay.h"
+#include "VeltoMKV/OptionsPanel.h"
+#include "VeltoMKV/ProgressView.h"
+#include "VeltoMKV/ResultView.h"
+#include "VeltoMKV/state/AppState.h"
+
+using namespace velto;
+using namespace velto::AppTesting;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Kind = Phase::Kind;
+
+// The whole application as the program builds it, with throwaway preferences on the echo
+// engine, its window shown on the offscreen platform.
+class MainWindowTest : public ::testing::Test {
+protected:
+    MainWindowTest()
+        : shell(std::make_unique<QSettings>(settingsFolder.filePath(u"VeltoMKV.ini"_s),
+                                            QSettings::IniFormat),
+                [](const QString&) { return QString(); }) {
+        QStandardPaths::setTestModeEnabled(true);
+        shell.preferences().setProviderIDStorage(u"echo"_s);
+        shell.preferences().setUseCache(false);
+        shell.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&window()));
+    }
+
+    MainWindow& window() { return shell.window(); }
+    AppState& state() { return shell.state(); }
+
+    bool reaches(Kind kind) {
+        return QTest::qWaitFor([&] { return state().phase().kind() == kind; }, patience);
+    }
+    bool settles() {
+        return QTest::qWaitFor([&] { return state().backgroundTasks() == 0; }, patience);
+    }
+
+    // What a file manager does when a file is let go over `target`.
+    static bool drop(QWidget* target, const QList<QUrl>& urls) {
+        QMimeData data;
+        data.setUrls(urls);
+        const QPoint centre = target->rect().center();
+        QDragEnterEvent enter(centre, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(target, &enter);
+        if (!enter.isAccepted())
+            return false;
+        QDropEvent release(QPointF(centre), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(target, &release);
+        return release.isAccepted();
+    }
+
+    // Saves the window as "main-<phase>-<scale>.png" under the build folder.
+    void snapshot(const QString& phase) {
+        QApplication::processEvents();
+        const QString folder = QStringLiteral(VELTO_BINARY_DIR "/screenshots");
+        QDir().mkpath(folder);
+        const int scale = qRound(window().devicePixelRatioF() * 100);
+        const QString file =
+            folder + u"/main-"_s + phase + u'-' + QString::number(scale) + u".png"_s;
+        EXPECT_TRUE(window().grab().save(file)) << file.toStdString();
+    }
+
+    void openReady(const QString& video) {
+        ASSERT_TRUE(drop(window().dropZone(), {QUrl::fromLocalFile(video)}));
+        ASSERT_TRUE(reaches(Kind::ready)) << state().phase().message().toStdString();
+    }
+
+    QTemporaryDir settingsFolder;
+    Workspace work;
+    AppShell shell;
+};
+
+TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
+    EXPECT_EQ(window().windowTitle(), u"VeltoMKV"_s);
+    EXPECT_EQ(window().currentPage(), window().dropZone());
+    snapshot(u"idle"_s);
+
+    const QString video =
+        work.video(u"Película.mkv"_s, {track(u"eng"_s, u"SDH"_s, false, true),
+                                       track(u"eng"_s, u"English"_s), track(u"jpn"_s)});
+    ASSERT_TRUE(drop(window().dropZone(), {QUrl::fromLocalFile(video)}));
+    EXPECT_EQ(state().phase().kind(), Kind::inspecting);
+    snapshot(u"inspecting"_s);
+    ASSERT_TRUE(reaches(Kind::ready)) << state().phase().message().toStdString();
+
+    JobView* view = window().jobView();
+    EXPECT_EQ(window().currentPage(), view);
+    EXPECT_EQ(view->trackList()->count(), 3);
+    ASSERT_TRUE(view->trackList()->currentItem());
+    EXPECT_TRUE(view->trackList()->currentItem()->text().startsWith(u"#3  inglés  «English»"_s))
+        << view->trackList()->currentItem()->text().toStdString();
+    EXPECT_EQ(view->engineLine()->text(), shell.preferences().engineConfiguration().summary());
+    EXPECT_EQ(view->outputLine()->text(), u"Película.es.mkv"_s);
+    EXPECT_FALSE(view->notice()->isVisible());
+    snapshot(u"ready"_s);
+
+    // The snapshot of work in progress is taken at the first report of the running job.
+    bool working = false;
+    QObject::connect(&state(), &AppState::detailChanged, &window(), [&] {
+        if (!working && state().phase().kind() == Kind::working) {
+            working = true;
+            snapshot(u"working"_s);
+        }
+    });
+    QTest::keyClick(&window(), Qt::Key_Return);
+    EXPECT_EQ(window().currentPage(), window().progressView());
+    ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
+    EXPECT_TRUE(working);
+
+    ResultView* result = window().resultView();
+    EXPECT_EQ(window().currentPage(), result);
+    EXPECT_EQ(result->outputName()->text(), u"Película.es.mkv"_s);
+    EXPECT_EQ(result->revealButton()->text(), PlatformText::revealInFileBrowser());
+    EXPECT_FALSE(result->removals()->isVisible());
+    EXPECT_TRUE(QFileInfo::exists(work.path(u"Película.es.mkv"_s)));
+    snapshot(u"finished"_s);
+
+    QTest::mouseClick(result->anotherButton(), Qt::LeftButton);
+    EXPECT_EQ(state().phase().kind(), Kind::idle);
+    EXPECT_EQ(window().currentPage(), window().dropZone());
+}
+
+TEST_F(MainWindowTest, EscapeCancelsAndTheFileAndChosenTrackStay) {
+    openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s), track(u"fre"_s)}));
+    QListWidget* tracks = window().jobView()->trackList();
+    QTest::mouseClick(tracks->viewport(), Qt::LeftButton, {},
+                      tracks->visualItemRect(tracks->item(1)).center());
+    EXPECT_EQ(state().selectedTrack(), 3);
+
+    QSignalSpy reports(&state(), &AppState::detailChanged);
+    QTest::mouseClick(window().jobView()->startButton(), Qt::LeftButton);
+    ASSERT_TRUE(reports.wait(patience));
+    QTest::keyClick(&window(), Qt::Key_Escape);
+    EXPECT_EQ(state().phase().kind(), Kind::ready);
+    EXPECT_EQ(window().currentPage(), window().jobView());
+    ASSERT_TRUE(settles());
+    EXPECT_EQ(state().phase().kind(), Kind::ready);
+    EXPECT_EQ(state().selectedTrack(), 3);
+    EXPECT_EQ(tracks->currentRow(), 1);
+    EXPECT_EQ(work.entries(), QStringList{u"Movie.mkv"_s});
+}
+
+TEST_F(MainWindowTest, AFileWithoutSubtitlesFailsWithTheExactSentence) {
+    shell.relay().setPending(work.video(u"Silent.mkv"_s, {}));
+    ASSERT_TRUE(reaches(Kind::failed));
+    FailureView* failure = window().failureView();
+    EXPECT_EQ(window().currentPage(), failure);
+    EXPECT_EQ(failure->message()->text(),
+              u"El archivo no tiene ninguna pista de subtítulos, no hay nada que traducir."_s);
+    EXPECT_TRUE(failure->findChild<QLabel*>() != nullptr);
+    const QList<QLabel*> labels = failure->findChildren<QLabel*>();
+    EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](QLabel* label) {
+        return label->text() == u"No pude completar el trabajo"_s;
+    }));
+    snapshot(u"failed"_s);
+
+    // "Reintentar" probes the same file again; "Empezar de nuevo" forgets it.
+    QTest::mouseClick(failure->retryButton(), Qt::LeftButton);
+    EXPECT_EQ(state().phase().kind(), Kind::inspecting);
+    ASSERT_TRUE(reaches(Kind::failed));
+    QTest::mouseClick(failure->startOverButton(), Qt::LeftButton);
+    EXPECT_EQ(state().phase().kind(), Kind::idle);
+    EXPECT_FALSE(state().sourceURL());
+}
+
+TEST_F(MainWindowTest, ASecondFileDroppedOnTheReadyWindowReplacesTheFirst) {
+    openReady(work.video(u"First.mkv"_s, {track(u"eng"_s), track(u"spa"_s)}));
+    JobView* view = window().jobView();
+    EXPECT_TRUE(view->notice()->isVisible());
+    EXPECT_EQ(view->notice()->text(), u"Este archivo ya tiene una pista en español."_s);
+    QTest::mouseClick(view->forceToggle(), Qt::LeftButton);
+    EXPECT_TRUE(state().force());
+
+    ASSERT_TRUE(drop(&window(), {QUrl::fromLocalFile(work.video(
+                                    u"Second.mkv"_s, {track(u"eng"_s, u"Solo"_s, true)}))}));
+    ASSERT_TRUE(reaches(Kind::ready));
+    EXPECT_EQ(state().sourceURL(), work.path(u"Second.mkv"_s));
+    EXPECT_EQ(view->trackList()->count(), 1);
+    EXPECT_EQ(view->outputLine()->text(), u"Second.es.mkv"_s);
+    EXPECT_FALSE(view->notice()->isVisible());
+    EXPECT_FALSE(view->forceToggle()->isChecked());
+}
+
+TEST_F(MainWindowTest, DropsOfAnythingButOneFileAreRefusedQuietly) {
+    const QString a = work.video(u"A.mkv"_s, {track(u"eng"_s)});
+    const struct {
+        QList<QUrl> urls;
+        QString refusal;
+    } cases[] = {
+        {{QUrl::fromLocalFile(a), QUrl::fromLocalFile(a)}, u"Soltá un solo video por vez."_s},
+        {{QUrl(u"https://example.com/video.mkv"_s)}, u"Eso no es un archivo: soltá un video."_s},
+    };
+    for (const auto& c : cases) {
+        EXPECT_FALSE(drop(window().dropZone(), c.urls));
+        EXPECT_EQ(window().dropZone()->refusalText(), c.refusal);
+        EXPECT_EQ(state().phase().kind(), Kind::idle);
+    }
+}
+
+TEST_F(MainWindowTest, OptionsAndEngineLineFollowThePreferences) {
+    openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
+    JobView* view = window().jobView();
+    QTest::mouseClick(view->optionsDisclosure(), Qt::LeftButton);
+    auto* options = window().findChild<OptionsPanel*>();
+    ASSERT_TRUE(options && options->isVisible());
+    snapshot(u"ready-options"_s);
+
+    QTest::mouseClick(options->stripSDHToggle(), Qt::LeftButton, {},
+                      QPoint(8, options->stripSDHToggle()->height() / 2));
+    EXPECT_TRUE(shell.preferences().stripSDH());
+    shell.preferences().setUseCache(true);
+    EXPECT_TRUE(options->useCacheToggle()->isChecked());
+    shell.preferences().setBatchSize(25);
+    EXPECT_EQ(options->batchSizeStepper()->value(), 25);
+    options->variantPicker()->setCurrentIndex(1);
+    EXPECT_EQ(shell.preferences().variantRaw(), u"rioplatense"_s);
+
+    // An engine that cannot run turns the line into its missing requirement and holds the button.
+    shell.preferences().setProviderIDStorage(u"anthropic"_s);
+    const QString missing =
+        shell.preferences().engineConfiguration().missingRequirement().value_or(QString());
+    ASSERT_FALSE(missing.isEmpty());
+    EXPECT_EQ(view->engineLine()->text(), missing);
+    EXPECT_FALSE(view->startButton()->isEnabled());
+    EXPECT_EQ(view->startButton()->toolTip(), missing);
+    QTest::keyClick(&window(), Qt::Key_Return);
+    EXPECT_EQ(state().phase().kind(), Kind::ready);
+    snapshot(u"ready-no-engine"_s);
+}
+
+TEST_F(MainWindowTest, StrippingShowsItsCountAndClosingDuringAJobLeavesNothing) {
+    shell.preferences().setStripSDH(true);
+    auto sdh = track(u"eng"_s);
+    sdh.lines = {u"[DOOR SLAMS]"_s, u"JOHN: Hello there."_s, u"How are you?"_s};
+    openReady(work.video(u"Movie.mkv"_s, {sdh}));
+    QTest::keyClick(&window(), Qt::Key_Return);
+    ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
+    EXPECT_TRUE(window().resultView()->removals()->isVisible());
+    EXPECT_EQ(window().resultView()->removals()->text(),
+              u"Descripciones quitadas: "_s +
+                  QString::number(state().result()->removedDescriptions));
+    EXPECT_GE(state().result()->removedDescriptions, 2);
+    QFile::remove(work.path(u"Movie.es.mkv"_s));
+
+    openReady(work.path(u"Movie.mkv"_s));
+    QSignalSpy reports(&state(), &AppState::detailChanged);
+    QTest::keyClick(&window(), Qt::Key_Return);
+    ASSERT_TRUE(reports.wait(patience));
+    window().close();
+    EXPECT_EQ(state().phase().kind(), Kind::ready);
+    ASSERT_TRUE(settles());
+    EXPECT_EQ(work.entries(), QStringList{u"Movie.mkv"_s});
+}
+
+} // namespace
+
+namespace {
+
+// A dark palette as a dark desktop theme gives it, to see that every text stays readable.
+QPalette darkPalette() {
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(0x2b, 0x2b, 0x2e));
+    dark.setColor(QPalette::WindowText, QColor(0xe8, 0xe8, 0xea));
+    dark.setColor(QPalette::Base, QColor(0x1f, 0x1f, 0x22));
+    dark.setColor(QPalette::AlternateBase, QColor(0x34, 0x34, 0x38));
+    dark.setColor(QPalette::Text, QColor(0xe8, 0xe8, 0xea));
+    dark.setColor(QPalette::Button, QColor(0x3a, 0x3a, 0x3e));
+    dark.setColor(QPalette::ButtonText, QColor(0xe8, 0xe8, 0xea));
+    dark.setColor(QPalette::Highlight, QColor(0x3d, 0x7e, 0xe0));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    dark.setColor(QPalette::Link, QColor(0x7a, 0xb0, 0xff));
+    dark.setColor(QPalette::Mid, QColor(0x5a, 0x5a, 0x60));
+    dark.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9a, 0xa2));
+    dark.setColor(QPalette::Disabled, QPalette::Text, QColor(0x80, 0x80, 0x86));
+    dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x80, 0x80, 0x86));
+    dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x80, 0x80, 0x86));
+    return dark;
+}
+
+TEST_F(MainWindowTest, DarkPaletteScreenshots) {
+    const QPalette light = QApplication::palette();
+    QApplication::setPalette(darkPalette());
+    snapshot(u"idle-dark"_s);
+    openReady(work.video(u"Película.mkv"_s, {track(u"eng"_s, u"English"_s), track(u"spa"_s)}));
+    snapshot(u"ready-dark"_s);
+    QTest::keyClick(&window(), Qt::Key_Return);
+    ASSERT_TRUE(reaches(Kind::failed));
+    EXPECT_EQ(window().failureView()->message()->text(), JobError::alreadySpanish().description());
+    snapshot(u"failed-dark"_s);
+    QApplication::setPalette(light);
+}
+
+} // namespace
