@@ -77,6 +77,8 @@ void AddressField::markPreset() {
     const QString hint = chosen < presets.size() ? presets[chosen].hint : QString();
     m_hint->setText(hint);
     m_hint->setVisible(!hint.isEmpty());
+    // Wrapped text changing height inside nested layouts needs the news passed up.
+    updateGeometry();
 }
 
 } // namespace velto

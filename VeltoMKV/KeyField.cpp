@@ -80,6 +80,7 @@ void KeyField::show(const Provider& provider) {
     m_field->setEchoMode(QLineEdit::Password);
     m_source->setText(QStringLiteral("La sacás de ") + provider.keySource + u'.');
     m_source->setVisible(!provider.keySource.isEmpty());
+    updateGeometry();
 }
 
 void KeyField::commit() {

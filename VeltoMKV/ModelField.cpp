@@ -74,6 +74,7 @@ void ModelField::show(const Provider& provider) {
     m_status->hide();
     m_explanation->setText(QStringLiteral("«Buscar» le pregunta a ") + provider.name +
                            QStringLiteral(" qué modelos podés usar con tu clave."));
+    updateGeometry();
 }
 
 void ModelField::search() {
@@ -104,6 +105,8 @@ void ModelField::setStatus(const QString& text, bool failed) {
     m_status->setText(text);
     m_status->setForegroundRole(failed ? QPalette::WindowText : QPalette::PlaceholderText);
     m_status->show();
+    // Wrapped text changing height inside nested layouts needs the news passed up.
+    updateGeometry();
 }
 
 } // namespace velto

@@ -25,13 +25,18 @@ QStringList themeNames(const QString& symbol) {
     return names.value(symbol);
 }
 
-QPainterPath cloud() {
+QPainterPath ellipse(const QRectF& bounds) {
     QPainterPath path;
-    path.addEllipse(QRectF(3, 9, 8, 8));
-    path.addEllipse(QRectF(7, 5, 10, 10));
-    path.addEllipse(QRectF(13, 9, 8, 8));
-    path.addRoundedRect(QRectF(7, 11, 10, 6), 1, 1);
-    return path.simplified();
+    path.addEllipse(bounds);
+    return path;
+}
+
+QPainterPath cloud() {
+    QPainterPath base;
+    base.addRoundedRect(QRectF(3, 11, 18, 7), 3.5, 3.5);
+    return base.united(ellipse(QRectF(5, 8, 8, 8)))
+        .united(ellipse(QRectF(9, 5, 10, 10)))
+        .simplified();
 }
 
 QPainterPath bubbles() {

@@ -7,7 +7,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -64,6 +63,13 @@ void setIcon(QLabel* label, const QIcon& icon) {
     label->setPixmap(icon.pixmap(label->size(), label->devicePixelRatioF()));
 }
 
+// Wrapped text that changes height inside nested layouts needs the news passed up to the
+// window, or the rows above squeeze it.
+void relayout(QWidget* row) {
+    for (QWidget* widget = row; widget; widget = widget->parentWidget())
+        widget->updateGeometry();
+}
+
 } // namespace
 
 SettingsDialog::SettingsDialog(Preferences& preferences, AppState& state, QWidget* parent)
@@ -93,8 +99,10 @@ SettingsDialog::SettingsDialog(Preferences& preferences, AppState& state, QWidge
         m_testSpinner->setVisible(testing);
     });
     connect(m_queries, &EngineQueries::connectionTested, this, &SettingsDialog::showTestResult);
-    connect(m_queries, &EngineQueries::claudeLocated, this,
-            [this](bool found) { m_cliMissing->setVisible(!found); });
+    connect(m_queries, &EngineQueries::claudeLocated, this, [this](bool found) {
+        m_cliMissing->setVisible(!found);
+        relayout(m_cliMissing);
+    });
     showProvider();
     showFfmpeg();
     resize(780, 600);
@@ -120,6 +128,9 @@ QWidget* SettingsDialog::buildProviders() {
     m_providers->setAccessibleName(QStringLiteral("Proveedor"));
     m_providers->setIconSize(QSize(1, 1) * fontMetrics().height() * 3 / 2);
     m_providers->setSpacing(2);
+    // A sidebar on the window's own background, not a white box.
+    m_providers->setFrameShape(QFrame::NoFrame);
+    m_providers->viewport()->setAutoFillBackground(false);
     for (const Provider& provider : Provider::all()) {
         auto* item = new QListWidgetItem(providerIcon(provider.symbol, palette()), provider.name,
                                          m_providers);
@@ -155,13 +166,7 @@ QWidget* SettingsDialog::buildDetails() {
     layout->addWidget(buildNotice());
     layout->addWidget(buildTools());
     layout->addStretch(1);
-
-    auto* scroll = new QScrollArea(this);
-    scroll->setWidget(content);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    return scroll;
+    return content;
 }
 
 QWidget* SettingsDialog::buildEffort() {
@@ -311,6 +316,7 @@ void SettingsDialog::showReadiness() {
     const std::optional<QString> missing = m_preferences.engineConfiguration().missingRequirement();
     setIcon(m_noticeIcon, missing ? Look::warningIcon() : Look::doneMark(palette()));
     m_notice->setText(missing.value_or(QStringLiteral("Listo para traducir")));
+    relayout(m_notice);
 }
 
 void SettingsDialog::showFfmpeg() {
@@ -321,6 +327,7 @@ void SettingsDialog::showFfmpeg() {
     m_ffmpegStatus->setText(missing ? QStringLiteral("Falta ffmpeg. Instalalo con «") +
                                           PlatformText::installFfmpeg() + QStringLiteral("».")
                                     : m_state.ffmpegStatus().value_or(QString()));
+    relayout(m_ffmpegStatus);
 }
 
 void SettingsDialog::chooseClaude() {
@@ -354,6 +361,7 @@ void SettingsDialog::showTestResult(bool succeeded, const QString& message) {
     setIcon(m_testIcon, succeeded ? Look::doneMark(palette()) : Look::warningIcon());
     m_testIcon->show();
     m_testResult->setText(message);
+    relayout(m_testResult);
 }
 
 } // namespace velto

@@ -25,6 +25,9 @@ ChatCompletionsServer::ChatCompletionsServer(Behaviour behaviour)
     : m_behaviour(std::move(behaviour))
     , m_server(std::make_unique<httplib::Server>()) {
     std::signal(SIGPIPE, SIG_IGN);
+    // One request per connection: an idle kept-alive one would hold the server's stop for
+    // seconds.
+    m_server->set_keep_alive_max_count(1);
     if (!m_behaviour.translate) {
         m_behaviour.translate = [](int, const QString& text) {
             return QStringLiteral("es: ") + text;
@@ -35,7 +38,7 @@ ChatCompletionsServer::ChatCompletionsServer(Behaviour behaviour)
             QByteArray::fromStdString(request.get_header_value("Authorization"));
         std::lock_guard lock(m_mutex);
         m_authorizations.append(header);
-        if (header == "Bearer " + m_behaviour.key.toUtf8())
+        if (m_behaviour.key.isEmpty() || header == "Bearer " + m_behaviour.key.toUtf8())
             return true;
         response.status = 401;
         response.set_content(R"({"error":{"message":"Incorrect API key provided"}})",

@@ -23,6 +23,7 @@ namespace velto::test {
 class ChatCompletionsServer {
 public:
     struct Behaviour {
+        // Empty: any key, or none, is welcome, as on a local server.
         QString key = QStringLiteral("sk-prueba");
         QStringList models = {QStringLiteral("modelo-b"), QStringLiteral("modelo-a")};
         bool loseABlockOnce = false;
