@@ -60,9 +60,11 @@ ChatCompletionsServer::ChatCompletionsServer(Behaviour behaviour)
         response.set_content(answer(QByteArray::fromStdString(request.body)).toStdString(),
                              "application/json");
     });
-    m_port = m_server->bind_to_any_port("127.0.0.1");
+    m_port = m_behaviour.port == 0
+                 ? m_server->bind_to_any_port("127.0.0.1")
+                 : (m_server->bind_to_port("127.0.0.1", m_behaviour.port) ? m_behaviour.port : -1);
     if (m_port <= 0)
-        throw std::runtime_error("the test server found no free port");
+        throw std::runtime_error("the test server could not listen on its port");
     m_listener = std::thread([this] { m_server->listen_after_bind(); });
     while (!m_server->is_running())
         std::this_thread::yield();
