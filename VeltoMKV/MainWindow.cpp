@@ -22,7 +22,6 @@
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AppIcon.h"
 #include "VeltoMKV/DropZone.h"
-#include "VeltoMKV/EngineChooser.h"
 #include "VeltoMKV/FailureView.h"
 #include "VeltoMKV/FileBrowser.h"
 #include "VeltoMKV/InspectingView.h"
@@ -31,6 +30,7 @@
 #include "VeltoMKV/OpenFileRelay.h"
 #include "VeltoMKV/ProgressView.h"
 #include "VeltoMKV/ResultView.h"
+#include "VeltoMKV/SettingsDialog.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
 
@@ -229,16 +229,16 @@ void MainWindow::takePendingFile() {
 
 void MainWindow::presentSettings(bool presented) {
     if (!presented) {
-        if (m_engineChooser)
-            m_engineChooser->close();
+        if (m_settingsDialog)
+            m_settingsDialog->close();
         return;
     }
-    if (!m_engineChooser) {
-        m_engineChooser = new EngineChooser(m_preferences, this);
-        connect(m_engineChooser, &QDialog::finished, &m_settings,
+    if (!m_settingsDialog) {
+        m_settingsDialog = new SettingsDialog(m_preferences, m_state, this);
+        connect(m_settingsDialog, &QDialog::finished, &m_settings,
                 [this] { m_settings.setPresented(false); });
     }
-    m_engineChooser->open();
+    m_settingsDialog->present();
 }
 
 void MainWindow::showHelp() {

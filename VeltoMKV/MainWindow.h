@@ -9,7 +9,7 @@ namespace velto {
 
 class AppState;
 class DropZone;
-class EngineChooser;
+class SettingsDialog;
 class FailureView;
 class InspectingView;
 class JobView;
@@ -68,7 +68,7 @@ private:
     FailureView* m_failureView;
     QWidget* m_ffmpegRow;
     QLabel* m_ffmpegText;
-    EngineChooser* m_engineChooser = nullptr;
+    SettingsDialog* m_settingsDialog = nullptr;
     // Return came while the file was still being read: start as soon as it is ready.
     bool m_startWhenReady = false;
 };

@@ -36,7 +36,8 @@ QString providerSettingKey(const Provider& provider, QStringView setting) {
 Preferences::Preferences(std::unique_ptr<QSettings> settings, KeyReader readKey, QObject* parent)
     : QObject(parent)
     , m_settings(std::move(settings))
-    , m_readKey(readKey ? std::move(readKey) : KeyReader(&Keychain::get)) {}
+    , m_readKey(readKey ? std::move(readKey) : KeyReader(&Keychain::get))
+    , m_writeKey(&Keychain::set) {}
 
 Preferences::~Preferences() = default;
 
@@ -199,12 +200,25 @@ void Preferences::setBaseURL(const QString& address, const Provider& provider) {
     store(providerSettingKey(provider, u"baseURL"), address);
 }
 
+QString Preferences::apiKey(const Provider& provider) const {
+    return m_readKey(provider.id);
+}
+
+void Preferences::setAPIKey(const QString& key, const Provider& provider) {
+    m_writeKey(key, provider.id);
+    emit changed(QStringLiteral("apiKey.") + provider.id);
+}
+
+void Preferences::setKeyWriter(KeyWriter writeKey) {
+    m_writeKey = std::move(writeKey);
+}
+
 EngineConfiguration Preferences::engineConfiguration() const {
     return engineConfiguration(provider());
 }
 
 EngineConfiguration Preferences::engineConfiguration(const Provider& provider) const {
-    return EngineConfiguration(provider, m_readKey(provider.id), baseURL(provider), model(provider),
+    return EngineConfiguration(provider, apiKey(provider), baseURL(provider), model(provider),
                                anthropicEffort(), cliModel(), cliBinaryPath());
 }
 

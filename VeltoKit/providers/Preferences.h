@@ -24,8 +24,9 @@ class Preferences : public QObject {
     Q_OBJECT
 
 public:
-    // Reads the API key of a provider id.
+    // Reads and writes the API key of a provider id.
     using KeyReader = std::function<QString(const QString& account)>;
+    using KeyWriter = std::function<void(const QString& key, const QString& account)>;
 
     // `settings` is the store (the platform's own in the programs, a throwaway one in tests).
     explicit Preferences(std::unique_ptr<QSettings> settings, KeyReader readKey = {},
@@ -81,6 +82,14 @@ public:
     QString baseURL(const Provider& provider) const;
     void setBaseURL(const QString& address, const Provider& provider);
 
+    // The key of a provider, from the credential store unless another reader was given.
+    QString apiKey(const Provider& provider) const;
+    // Stores the key (an empty one deletes it) and signals "apiKey." + the provider id, so the
+    // windows that show readiness follow at once.
+    void setAPIKey(const QString& key, const Provider& provider);
+    // Where setAPIKey writes; the credential store unless set.
+    void setKeyWriter(KeyWriter writeKey);
+
     // The chosen engine with its key, read now.
     EngineConfiguration engineConfiguration() const;
     // The same for another provider, with that provider's own key, model and address.
@@ -99,6 +108,7 @@ private:
 
     std::unique_ptr<QSettings> m_settings;
     KeyReader m_readKey;
+    KeyWriter m_writeKey;
 };
 
 } // namespace velto

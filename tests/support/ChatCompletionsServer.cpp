@@ -25,6 +25,9 @@ ChatCompletionsServer::ChatCompletionsServer(Behaviour behaviour)
     : m_behaviour(std::move(behaviour))
     , m_server(std::make_unique<httplib::Server>()) {
     std::signal(SIGPIPE, SIG_IGN);
+    // One request per connection: an idle kept-alive one would hold the server's stop for
+    // seconds.
+    m_server->set_keep_alive_max_count(1);
     if (!m_behaviour.translate) {
         m_behaviour.translate = [](int, const QString& text) {
             return QStringLiteral("es: ") + text;
@@ -57,9 +60,11 @@ ChatCompletionsServer::ChatCompletionsServer(Behaviour behaviour)
         response.set_content(answer(QByteArray::fromStdString(request.body)).toStdString(),
                              "application/json");
     });
-    m_port = m_server->bind_to_any_port("127.0.0.1");
+    m_port = m_behaviour.port == 0
+                 ? m_server->bind_to_any_port("127.0.0.1")
+                 : (m_server->bind_to_port("127.0.0.1", m_behaviour.port) ? m_behaviour.port : -1);
     if (m_port <= 0)
-        throw std::runtime_error("the test server found no free port");
+        throw std::runtime_error("the test server could not listen on its port");
     m_listener = std::thread([this] { m_server->listen_after_bind(); });
     while (!m_server->is_running())
         std::this_thread::yield();

@@ -27,6 +27,8 @@ public:
         QString key = QStringLiteral("sk-prueba");
         QStringList models = {QStringLiteral("modelo-b"), QStringLiteral("modelo-a")};
         bool loseABlockOnce = false;
+        // 0: any free port.
+        int port = 0;
         // Rewrites a block's answer; the default prefixes "es: ".
         std::function<QString(int number, const QString& text)> translate{};
     };
