@@ -81,7 +81,9 @@ TEST_F(AppStateTest, AFileFfprobeCannotReadFailsWithItsMessage) {
     MediaFixtures::writeFile(work.path(u"broken.mkv"_s), "not a video at all");
     open(work.path(u"broken.mkv"_s));
     EXPECT_EQ(state.phase().kind(), Kind::failed);
-    EXPECT_TRUE(state.phase().message().startsWith(u"ffprobe falló"_s))
+    EXPECT_TRUE(state.phase().message().endsWith(
+        u"no es un video que pueda leer: su formato no se reconoce o el archivo está dañado. "
+        "Elegí un archivo de video, por ejemplo un .mkv o un .mp4."_s))
         << state.phase().message().toStdString();
     EXPECT_FALSE(state.info());
 }
