@@ -20,11 +20,11 @@
 
 #include "VeltoKit/platform/PlatformText.h"
 #include "VeltoKit/providers/Preferences.h"
+#include "VeltoMKV/AnalyzingView.h"
 #include "VeltoMKV/AppIcon.h"
 #include "VeltoMKV/DropZone.h"
 #include "VeltoMKV/FailureView.h"
 #include "VeltoMKV/FileBrowser.h"
-#include "VeltoMKV/InspectingView.h"
 #include "VeltoMKV/JobView.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/OpenFileRelay.h"
@@ -62,14 +62,14 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
 
     m_pages = new QStackedWidget(column);
     m_dropZone = new DropZone(m_pages);
-    m_inspectingView = new InspectingView(m_pages);
+    m_analyzingView = new AnalyzingView(m_pages);
     m_jobView = new JobView(m_state, m_preferences, m_settings, m_pages);
     m_progressView = new ProgressView(m_state, m_pages);
     m_resultView = new ResultView(m_state, m_pages);
     m_failureView = new FailureView(m_state, m_pages);
     // In the order of Phase::Kind.
     for (QWidget* page :
-         {static_cast<QWidget*>(m_dropZone), static_cast<QWidget*>(m_inspectingView),
+         {static_cast<QWidget*>(m_dropZone), static_cast<QWidget*>(m_analyzingView),
           static_cast<QWidget*>(m_jobView), static_cast<QWidget*>(m_progressView),
           static_cast<QWidget*>(m_resultView), static_cast<QWidget*>(m_failureView)})
         m_pages->addWidget(page);

@@ -11,7 +11,7 @@ class AppState;
 class DropZone;
 class SettingsDialog;
 class FailureView;
-class InspectingView;
+class AnalyzingView;
 class JobView;
 class OpenFileRelay;
 class Preferences;
@@ -61,7 +61,7 @@ private:
     OpenFileRelay& m_relay;
     QStackedWidget* m_pages;
     DropZone* m_dropZone;
-    InspectingView* m_inspectingView;
+    AnalyzingView* m_analyzingView;
     JobView* m_jobView;
     ProgressView* m_progressView;
     ResultView* m_resultView;

@@ -5,11 +5,11 @@
 namespace velto {
 
 // The short wait while ffprobe reads the file.
-class InspectingView : public QWidget {
+class AnalyzingView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit InspectingView(QWidget* parent = nullptr);
+    explicit AnalyzingView(QWidget* parent = nullptr);
 };
 
 } // namespace velto

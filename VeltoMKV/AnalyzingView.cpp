@@ -1,4 +1,4 @@
-#include "VeltoMKV/InspectingView.h"
+#include "VeltoMKV/AnalyzingView.h"
 
 #include <QLabel>
 #include <QVBoxLayout>
@@ -8,7 +8,7 @@
 
 namespace velto {
 
-InspectingView::InspectingView(QWidget* parent)
+AnalyzingView::AnalyzingView(QWidget* parent)
     : QWidget(parent) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
