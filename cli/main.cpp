@@ -1,3 +1,5 @@
+#include <memory>
+
 #include <QCoreApplication>
 
 #include "VeltoKit/core/VeltoError.h"
@@ -34,10 +36,10 @@ int failWith(const QString& message, const QString& fix = {}) {
 
 // Runs `work` with Ctrl-C as a cancel; the program's message for what it throws.
 int interruptible(const std::function<int(std::stop_token)>& work) {
-    std::stop_source stop;
-    const InterruptWatcher watcher([&stop] { stop.request_stop(); });
+    const auto stop = std::make_shared<std::stop_source>();
+    const InterruptWatcher watcher([stop] { stop->request_stop(); });
     try {
-        return work(stop.get_token());
+        return work(stop->get_token());
     } catch (const Cancelled&) {
         return interrupted;
     } catch (const VeltoError& error) {

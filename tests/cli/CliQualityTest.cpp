@@ -59,7 +59,7 @@ TEST_F(CliQualityTest, SaysWhichCuesToLookAtByNumberAndTimeAndStaysQuietWhenAllI
     const QStringList lines = {u"Hello there."_s, u"Where is he?"_s, u"Fine, thanks."_s,
                                u"Come with me."_s, u"See you."_s};
     const QString movie = video(u"Película.mkv"_s, lines);
-    ChatCompletionsServer server({.key = {}, .translate = [&](int, const QString& text) {
+    ChatCompletionsServer server({.key = {}, .translate = [&](int, const QString& text) -> QString {
                                       if (text == lines[1])
                                           return text;
                                       return text == lines[3] ? QString() : u"es: "_s + text;

@@ -29,7 +29,7 @@ ChatCompletionsServer::ChatCompletionsServer(Behaviour behaviour)
     // seconds.
     m_server->set_keep_alive_max_count(1);
     if (!m_behaviour.translate) {
-        m_behaviour.translate = [](int, const QString& text) {
+        m_behaviour.translate = [](int, const QString& text) -> QString {
             return QStringLiteral("es: ") + text;
         };
     }
