@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "VeltoMKV/Page.h"
 
 class QLabel;
 class QPushButton;
@@ -10,7 +10,7 @@ namespace velto {
 class AppState;
 
 // The failed page: the job's own sentence, and the two ways on.
-class FailureView : public QWidget {
+class FailureView : public Page {
     Q_OBJECT
 
 public:

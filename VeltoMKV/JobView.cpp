@@ -15,6 +15,7 @@
 #include "VeltoMKV/AppIcon.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/OptionsPanel.h"
+#include "VeltoMKV/Page.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
 #include "VeltoMKV/state/Format.h"
@@ -53,34 +54,13 @@ QString trackCount(qsizetype count) {
 
 JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& settings,
                  QWidget* parent)
-    : QWidget(parent)
+    : Page(appIcon(), parent)
     , m_state(state)
     , m_preferences(preferences) {
-    auto* page = new QVBoxLayout(this);
-    page->setContentsMargins(0, 0, 0, 0);
-    page->setSpacing(Look::rowGap);
-    // Opening the options may need more room than the window has: the content scrolls and the
-    // main button stays where it is.
-    const Look::ScrollingColumn column = Look::scrollingColumn(this);
-    page->addWidget(column.area, 1);
-    QVBoxLayout* layout = column.layout;
-
-    // The file: icon, name and a quiet way out.
-    auto* header = new QHBoxLayout();
-    header->setSpacing(Look::rowGap);
-    header->addWidget(Look::iconLabel(appIcon(), 40, this), 0, Qt::AlignTop);
-    auto* naming = new QVBoxLayout();
-    naming->setSpacing(2);
-    m_name = Look::title(QString(), this);
-    m_facts = Look::secondary(QString(), this);
-    naming->addWidget(m_name);
-    naming->addWidget(m_facts);
-    header->addLayout(naming, 1);
+    QVBoxLayout* layout = column();
     auto* close = Look::quietButton(QStringLiteral("Cerrar este archivo"), this);
     connect(close, &QPushButton::clicked, &m_state, &AppState::reset);
-    header->addWidget(close, 0, Qt::AlignTop);
-    layout->addLayout(header);
-    layout->addSpacing(Look::groupGap - Look::rowGap);
+    setHeaderAction(close);
 
     // The tracks.
     layout->addWidget(Look::heading(QStringLiteral("Pista a traducir"), this));
@@ -175,12 +155,9 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     layout->addLayout(outputRow);
 
     layout->addStretch(1);
-    auto* footer = new QHBoxLayout();
-    footer->addStretch(1);
     m_start = Look::primaryButton(QStringLiteral("Traducir al español"), this);
     connect(m_start, &QPushButton::clicked, this, &JobView::startRequested);
-    footer->addWidget(m_start);
-    page->addLayout(footer);
+    footer()->addWidget(m_start);
 
     // Creation order is reading order; only the way out, created first, goes last.
     setTabOrder(m_start, close);
@@ -189,11 +166,7 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     connect(&m_state, &AppState::infoChanged, this, &JobView::showTracks);
     connect(&m_state, &AppState::selectedTrackChanged, this, &JobView::markChosenTrack);
     connect(&m_state, &AppState::outputURLChanged, this, &JobView::showOutput);
-    connect(&m_preferences, &Preferences::changed, this, [this](const QString& key) {
-        if (key == QStringLiteral("providerID") || key.startsWith(QStringLiteral("provider.")) ||
-            key.startsWith(QStringLiteral("cli")) || key == QStringLiteral("anthropicEffort"))
-            refreshEngine();
-    });
+    connect(&m_preferences, &Preferences::engineChanged, this, &JobView::refreshEngine);
     showFile();
     showTracks();
     showOutput();
@@ -201,7 +174,8 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
 }
 
 void JobView::showFile() {
-    m_name->setText(m_state.sourceURL() ? QFileInfo(*m_state.sourceURL()).fileName() : QString());
+    titleLabel()->setText(m_state.sourceURL() ? QFileInfo(*m_state.sourceURL()).fileName()
+                                              : QString());
 }
 
 void JobView::showTracks() {
@@ -209,12 +183,12 @@ void JobView::showTracks() {
     m_tracks->clear();
     const std::optional<MediaInfo>& info = m_state.info();
     if (!info) {
-        m_facts->clear();
+        setSubtitle(QString());
         m_noticeRow->setVisible(false);
         return;
     }
-    m_facts->setText(Format::duration(info->duration) + QStringLiteral(" · ") +
-                     trackCount(info->tracks.size()));
+    setSubtitle(Format::duration(info->duration) + QStringLiteral(" · ") +
+                trackCount(info->tracks.size()));
     for (const SubtitleTrack& track : info->tracks) {
         auto* item = new QListWidgetItem(describe(track), m_tracks);
         item->setData(trackIndexRole, track.index);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "VeltoMKV/Page.h"
 
 class QCheckBox;
 class QLabel;
@@ -18,7 +18,7 @@ class SettingsPresenter;
 // The ready page: the open file, its subtitle tracks with the chosen one marked, the notices
 // about Spanish tracks already there, the options, the engine and where the result goes, and
 // the button that starts the job. It reads the state and calls its actions, nothing more.
-class JobView : public QWidget {
+class JobView : public Page {
     Q_OBJECT
 
 public:
@@ -49,8 +49,6 @@ private:
 
     AppState& m_state;
     Preferences& m_preferences;
-    QLabel* m_name;
-    QLabel* m_facts;
     QListWidget* m_tracks;
     QWidget* m_noticeRow;
     QLabel* m_noticeIcon;

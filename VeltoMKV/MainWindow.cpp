@@ -129,10 +129,8 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     connect(&m_state, &AppState::ffmpegStatusChanged, this, &MainWindow::showFfmpegStatus);
     connect(&m_relay, &OpenFileRelay::pendingChanged, this, &MainWindow::takePendingFile);
     connect(&m_settings, &SettingsPresenter::presentedChanged, this, &MainWindow::presentSettings);
-    connect(&m_preferences, &Preferences::changed, this, [this](const QString& key) {
-        if (key == QStringLiteral("ffmpegDirectory"))
-            m_state.checkTools(m_preferences);
-    });
+    connect(&m_preferences, &Preferences::ffmpegDirectoryChanged, this,
+            [this] { m_state.checkTools(m_preferences); });
 
     resize(640, 560);
     setMinimumSize(520, 460);

@@ -124,7 +124,7 @@ OptionsPanel::OptionsPanel(Preferences& preferences, QWidget* parent)
             [this](int size) { m_preferences.setBatchSize(size); });
     connect(m_concurrency, &QSpinBox::valueChanged, this,
             [this](int requests) { m_preferences.setConcurrency(requests); });
-    connect(&m_preferences, &Preferences::changed, this, [this] {
+    connect(&m_preferences, &Preferences::jobOptionsChanged, this, [this] {
         showPreferences();
         emit summaryChanged();
     });

@@ -21,18 +21,9 @@ constexpr int barSteps = 1000;
 }
 
 ProgressView::ProgressView(AppState& state, QWidget* parent)
-    : QWidget(parent)
+    : Page(appIcon(), parent)
     , m_state(state) {
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(Look::rowGap);
-
-    auto* header = new QHBoxLayout();
-    header->setSpacing(Look::rowGap);
-    header->addWidget(Look::iconLabel(appIcon(), 40, this), 0, Qt::AlignVCenter);
-    m_name = Look::title(QString(), this);
-    header->addWidget(m_name, 1);
-    layout->addLayout(header);
+    QVBoxLayout* layout = column();
     layout->addStretch(2);
 
     // The percentage sits on the stage's line, so the bar spans the column whether it is known.
@@ -56,21 +47,16 @@ ProgressView::ProgressView(AppState& state, QWidget* parent)
     layout->addWidget(m_elapsed);
     layout->addStretch(3);
 
-    auto* footer = new QHBoxLayout();
-    footer->addStretch(1);
     m_cancel = Look::button(QStringLiteral("Cancelar"), this);
     connect(m_cancel, &QPushButton::clicked, &m_state, &AppState::cancel);
-    footer->addWidget(m_cancel);
-    layout->addLayout(footer);
+    footer()->addWidget(m_cancel);
 
     m_ticker.setInterval(1000);
     connect(&m_ticker, &QTimer::timeout, this, &ProgressView::tick);
-    connect(&m_state, &AppState::stageChanged, this, &ProgressView::showProgress);
-    connect(&m_state, &AppState::detailChanged, this, &ProgressView::showProgress);
     connect(&m_state, &AppState::progressChanged, this, &ProgressView::showProgress);
     connect(&m_state, &AppState::sourceURLChanged, this, [this] {
-        m_name->setText(m_state.sourceURL() ? QFileInfo(*m_state.sourceURL()).fileName()
-                                            : QString());
+        titleLabel()->setText(m_state.sourceURL() ? QFileInfo(*m_state.sourceURL()).fileName()
+                                                  : QString());
     });
     showProgress();
 }
@@ -87,9 +73,10 @@ void ProgressView::stopClock() {
 }
 
 void ProgressView::showProgress() {
-    m_stage->setText(label(m_state.stage()));
-    m_detail->setText(m_state.detail());
-    if (const std::optional<double> fraction = m_state.progress()) {
+    const JobUpdate& progress = m_state.progress();
+    m_stage->setText(label(progress));
+    m_detail->setText(progress.detail);
+    if (const std::optional<double> fraction = progress.progress) {
         m_bar->setRange(0, barSteps);
         m_bar->setValue(static_cast<int>(std::lround(qBound(0.0, *fraction, 1.0) * barSteps)));
         m_percent->setText(QString::number(std::lround(qBound(0.0, *fraction, 1.0) * 100)) +

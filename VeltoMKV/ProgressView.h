@@ -2,7 +2,8 @@
 
 #include <QElapsedTimer>
 #include <QTimer>
-#include <QWidget>
+
+#include "VeltoMKV/Page.h"
 
 class QLabel;
 class QProgressBar;
@@ -14,7 +15,7 @@ class AppState;
 
 // The working page: the stage, its detail, a bar (indeterminate while no fraction is known),
 // the time so far and the way to stop. The clock ticks on its own, between job reports.
-class ProgressView : public QWidget {
+class ProgressView : public Page {
     Q_OBJECT
 
 public:
@@ -33,7 +34,6 @@ private:
     void tick();
 
     AppState& m_state;
-    QLabel* m_name;
     QLabel* m_stage;
     QLabel* m_detail;
     QProgressBar* m_bar;

@@ -13,36 +13,17 @@
 
 #include "VeltoKit/platform/PlatformText.h"
 #include "VeltoMKV/Look.h"
+#include "VeltoMKV/Page.h"
 #include "VeltoMKV/state/AppState.h"
 #include "VeltoMKV/state/Format.h"
 
 namespace velto {
 
 ResultView::ResultView(AppState& state, QWidget* parent)
-    : QWidget(parent)
+    : Page(QIcon(), parent)
     , m_state(state) {
-    auto* page = new QVBoxLayout(this);
-    page->setContentsMargins(0, 0, 0, 0);
-    page->setSpacing(Look::rowGap);
-    // Many warnings scroll with the rest; the buttons stay where they are.
-    const Look::ScrollingColumn column = Look::scrollingColumn(this);
-    page->addWidget(column.area, 1);
-    QVBoxLayout* layout = column.layout;
-
-    auto* header = new QHBoxLayout();
-    header->setSpacing(Look::rowGap);
-    m_doneIcon = Look::iconLabel(Look::doneMark(palette()), 40, this);
-    header->addWidget(m_doneIcon, 0, Qt::AlignTop);
-    auto* naming = new QVBoxLayout();
-    naming->setSpacing(2);
-    m_name = Look::title(QString(), this);
-    m_where = Look::secondary(QString(), this);
-    m_where->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    naming->addWidget(m_name);
-    naming->addWidget(m_where);
-    header->addLayout(naming, 1);
-    layout->addLayout(header);
-    layout->addSpacing(Look::groupGap - Look::rowGap);
+    setIcon(Look::doneMark(palette()));
+    QVBoxLayout* layout = column();
 
     layout->addWidget(Look::paragraph(
         QStringLiteral("Timestamps verificados uno a uno contra el original."), this));
@@ -73,19 +54,15 @@ ResultView::ResultView(AppState& state, QWidget* parent)
     layout->addWidget(m_warnings);
     layout->addStretch(1);
 
-    auto* footer = new QHBoxLayout();
-    footer->setSpacing(Look::rowGap);
-    footer->addStretch(1);
     m_reveal = Look::button(PlatformText::revealInFileBrowser(), this);
     connect(m_reveal, &QPushButton::clicked, this, [this] {
         if (m_state.result())
             emit revealRequested(m_state.result()->outputURL);
     });
-    footer->addWidget(m_reveal);
+    footer()->addWidget(m_reveal);
     m_another = Look::primaryButton(QStringLiteral("Traducir otro"), this);
     connect(m_another, &QPushButton::clicked, this, &ResultView::anotherRequested);
-    footer->addWidget(m_another);
-    page->addLayout(footer);
+    footer()->addWidget(m_another);
     setTabOrder(m_reveal, m_another);
 
     connect(&m_state, &AppState::resultChanged, this, &ResultView::showResult);
@@ -100,9 +77,9 @@ void ResultView::setStripped(bool stripped) {
 
 void ResultView::showResult() {
     const std::optional<JobResult>& result = m_state.result();
-    m_name->setText(result ? QFileInfo(result->outputURL).fileName() : QString());
-    m_where->setText(result ? QDir::toNativeSeparators(QFileInfo(result->outputURL).absolutePath())
-                            : QString());
+    titleLabel()->setText(result ? QFileInfo(result->outputURL).fileName() : QString());
+    setSubtitle(result ? QDir::toNativeSeparators(QFileInfo(result->outputURL).absolutePath())
+                       : QString());
     m_counts->setText(result ? QString::number(result->translatedCount) +
                                    QStringLiteral(" subtítulos traducidos en ") +
                                    Format::elapsed(result->elapsed)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "VeltoMKV/Page.h"
 
 class QLabel;
 class QPushButton;
@@ -12,7 +12,7 @@ class AppState;
 
 // The finished page: the new file, the proof about its timings, what stripping removed, the
 // warnings of the run, and the ways on: see the file, or translate another.
-class ResultView : public QWidget {
+class ResultView : public Page {
     Q_OBJECT
 
 public:
@@ -21,7 +21,7 @@ public:
     // Whether the run that finished stripped SDH; only then the removals are counted.
     void setStripped(bool stripped);
 
-    QLabel* outputName() const { return m_name; }
+    QLabel* outputName() const { return titleLabel(); }
     QLabel* removals() const { return m_removed; }
     QWidget* warningsPanel() const { return m_warnings; }
     QPushButton* revealButton() const { return m_reveal; }
@@ -36,9 +36,6 @@ private:
 
     AppState& m_state;
     bool m_stripped = false;
-    QLabel* m_doneIcon;
-    QLabel* m_name;
-    QLabel* m_where;
     QLabel* m_counts;
     QLabel* m_removed;
     QWidget* m_warnings;

@@ -90,7 +90,7 @@ SettingsDialog::SettingsDialog(Preferences& preferences, AppState& state, QWidge
     layout->addLayout(body, 1);
     layout->addWidget(buildFooter());
 
-    connect(&m_preferences, &Preferences::changed, this, &SettingsDialog::showReadiness);
+    connect(&m_preferences, &Preferences::engineChanged, this, &SettingsDialog::showReadiness);
     connect(&m_state, &AppState::ffmpegStatusChanged, this, &SettingsDialog::showFfmpeg);
     connect(&m_state, &AppState::ffmpegReadyChanged, this, &SettingsDialog::showFfmpeg);
     connect(m_queries, &EngineQueries::testingChanged, this, [this](bool testing) {
@@ -254,7 +254,6 @@ QWidget* SettingsDialog::buildTools() {
         if (m_ffmpegFolder->text() == m_preferences.ffmpegDirectory())
             return;
         m_preferences.setFfmpegDirectory(m_ffmpegFolder->text());
-        m_state.checkTools(m_preferences);
     });
     connect(choose, &QPushButton::clicked, this, &SettingsDialog::chooseFfmpegFolder);
     return tools;
@@ -347,7 +346,6 @@ void SettingsDialog::chooseFfmpegFolder() {
         return;
     m_ffmpegFolder->setText(folder);
     m_preferences.setFfmpegDirectory(folder);
-    m_state.checkTools(m_preferences);
 }
 
 void SettingsDialog::testConnection() {

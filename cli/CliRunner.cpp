@@ -10,31 +10,23 @@
 namespace velto::cli {
 namespace {
 
-struct Said {
-    QString message;
-    QString hint;
-};
-
-// The job's messages speak of the window's controls; here they name the options that do the same.
-Said forTerminal(const VeltoError& error) {
+// The way out of a refusal from a terminal, said under the job's sentence.
+QString remedyFor(const VeltoError& error) {
     const auto* refusal = dynamic_cast<const JobError*>(&error);
-    switch (refusal ? refusal->kind() : JobError::Kind::badOptions) {
+    if (!refusal)
+        return {};
+    switch (refusal->kind()) {
     case JobError::Kind::alreadySpanish:
-        return {QStringLiteral("El archivo ya tiene subtítulos en español. Agregá --force si "
-                               "querés traducirlo de todos modos."),
-                {}};
+        return QStringLiteral("Agregá --force si querés traducirlo de todos modos.");
     case JobError::Kind::noSourceTrack:
-        return {error.description(),
-                QStringLiteral("Desde la terminal, elegí la pista con --track N (mirá los números "
-                               "con --list-tracks).")};
+        return QStringLiteral("Elegí la pista con --track N (mirá los números con "
+                              "--list-tracks).");
     case JobError::Kind::outputFolderReadOnly:
-        return {error.description(),
-                QStringLiteral("Desde la terminal, elegí dónde guardarlo con --output ARCHIVO.")};
+        return QStringLiteral("Desde la terminal, elegí dónde guardarlo con --output ARCHIVO.");
     case JobError::Kind::cacheUnavailable:
-        return {error.description(),
-                QStringLiteral("Desde la terminal, agregá --no-cache para traducir sin caché.")};
+        return QStringLiteral("Desde la terminal, agregá --no-cache para traducir sin caché.");
     default:
-        return {error.description(), {}};
+        return {};
     }
 }
 
@@ -68,18 +60,13 @@ int CliRunner::run(std::stop_token stop, const std::function<bool()>& wasInterru
                 m_reporter.cancelled(video);
                 return cancelStatus();
             }
-            if (m_options.listTracks) {
+            if (m_options.listTracks)
                 m_reporter.listingFailed(video, error.description());
-            } else {
-                const Said said = forTerminal(error);
-                m_reporter.failed(video, said.message, said.hint);
-            }
+            else
+                m_reporter.failed(video, error.description(), remedyFor(error));
             status = jobFailed;
         } catch (const std::exception& error) {
-            m_reporter.failed(video,
-                              QStringLiteral("Falló algo inesperado: ") +
-                                  QString::fromLocal8Bit(error.what()),
-                              QString());
+            m_reporter.failed(video, describeFailure(error), QString());
             status = jobFailed;
         }
     }

@@ -2,7 +2,6 @@
 
 #include <QProcessEnvironment>
 
-#include "VeltoKit/engines/ClaudeCLIBackend.h"
 #include "VeltoKit/platform/Keychain.h"
 #include "VeltoKit/providers/Preferences.h"
 
@@ -53,19 +52,18 @@ EngineConfiguration configuration(const Preferences& preferences,
 
 QString fixFor(const EngineConfiguration& configuration) {
     const Provider& provider = configuration.provider;
-    if (provider.needsKey && configuration.apiKey.isEmpty()) {
-        return QStringLiteral("Desde la terminal: printf %s \"$CLAVE\" | veltomkv-cli --set-key ") +
-               provider.id + QStringLiteral(", o la variable VELTOMKV_API_KEY.");
-    }
-    if (configuration.missingRequirement()) {
+    if (const auto lacking = configuration.missing()) {
+        if (*lacking == EngineConfiguration::Requirement::apiKey)
+            return QStringLiteral(
+                       "Desde la terminal: printf %s \"$CLAVE\" | veltomkv-cli --set-key ") +
+                   provider.id + QStringLiteral(", o la variable VELTOMKV_API_KEY.");
         return QStringLiteral("Desde la terminal: agregá --model NOMBRE (mirá cuáles hay con "
                               "--provider ") +
                provider.id + QStringLiteral(" --list-models).");
     }
-    if (provider.flavor == Provider::Flavor::claudeCLI &&
-        !ClaudeCLIBackend::locate(configuration.cliBinaryPath)) {
+    // Every requirement met and still no engine: only the claude program can be missing.
+    if (provider.flavor == Provider::Flavor::claudeCLI)
         return QStringLiteral("Desde la terminal: agregá --claude-path RUTA.");
-    }
     return {};
 }
 

@@ -18,6 +18,14 @@ const char* Cancelled::what() const noexcept {
     return "Operación cancelada.";
 }
 
+QString describeFailure(const std::exception& error) {
+    if (const auto* known = dynamic_cast<const VeltoError*>(&error))
+        return known->description();
+    if (const auto* cancelled = dynamic_cast<const Cancelled*>(&error))
+        return cancelled->description();
+    return QStringLiteral("Falló algo inesperado: ") + QString::fromLocal8Bit(error.what());
+}
+
 void throwIfStopped(const std::stop_token& stop) {
     if (stop.stop_requested())
         throw Cancelled();

@@ -35,6 +35,10 @@ public:
     const char* what() const noexcept override;
 };
 
+// The sentence a front end shows for any failure: a VeltoError's own, else one that admits the
+// program did not expect it.
+QString describeFailure(const std::exception& error);
+
 // Throws Cancelled when a stop was requested; for the suspension points of long work.
 void throwIfStopped(const std::stop_token& stop);
 

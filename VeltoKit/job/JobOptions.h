@@ -23,7 +23,7 @@ struct JobOptions {
     qint64 concurrency = 3;
     qint64 contextLines = 4;
     bool useCache = true;
-    // Absent: beside the source, see TranslationJob::defaultOutputURL.
+    // Absent: beside the source, see JobPlan::defaultOutputURL.
     std::optional<QString> outputURL;
     // Stream index chosen by hand; absent means the automatic choice.
     std::optional<qint64> forcedTrackIndex;

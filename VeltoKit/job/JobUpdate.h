@@ -15,6 +15,8 @@ struct JobUpdate {
     QString detail;
     // Fraction of the stage's work done, 0...1; absent when no fraction is known.
     std::optional<double> progress;
+
+    bool operator==(const JobUpdate&) const = default;
 };
 
 // The stage's label for this update: the muxing stage names the container actually written

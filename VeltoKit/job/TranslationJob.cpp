@@ -1,7 +1,5 @@
 #include "VeltoKit/job/TranslationJob.h"
 
-#include <algorithm>
-
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -9,11 +7,10 @@
 
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/job/JobError.h"
+#include "VeltoKit/job/JobPlan.h"
 #include "VeltoKit/job/QualityCheck.h"
 #include "VeltoKit/job/QualityReview.h"
 #include "VeltoKit/job/WorkingDirectory.h"
-#include "VeltoKit/media/Languages.h"
-#include "VeltoKit/media/MediaInfo.h"
 #include "VeltoKit/subtitles/StripSDH.h"
 #include "VeltoKit/subtitles/SubtitleDocument.h"
 #include "VeltoKit/subtitles/Subtitles.h"
@@ -24,32 +21,10 @@
 namespace velto {
 namespace {
 
-QString standardised(const QString& path) {
-    return QDir::cleanPath(QFileInfo(path).absoluteFilePath());
-}
-
-bool sameFile(const QString& a, const QString& b) {
-    if (standardised(a) == standardised(b))
-        return true;
-    // Also catches two spellings of one existing file through links.
-    const QString canonicalA = QFileInfo(a).canonicalFilePath();
-    return !canonicalA.isEmpty() && canonicalA == QFileInfo(b).canonicalFilePath();
-}
-
 // Tried rather than judged from permission bits, which root, ACLs and read-only disks defy.
 bool canCreateFilesIn(const QString& folder) {
     QTemporaryFile probe(QDir(folder).filePath(QStringLiteral(".veltomkv-probe-XXXXXX")));
     return probe.open();
-}
-
-QString imageCodecList(const MediaInfo& info) {
-    QStringList codecs;
-    for (const SubtitleTrack& track : info.tracks) {
-        if (track.isBitmap() && !codecs.contains(track.codec))
-            codecs.append(track.codec);
-    }
-    std::sort(codecs.begin(), codecs.end());
-    return codecs.join(QStringLiteral(", "));
 }
 
 QString progressDetail(const TranslationProgress& progress) {
@@ -83,32 +58,33 @@ public:
     JobResult run() {
         checkOptions();
         report(JobStage::analyzing, QFileInfo(m_source).fileName());
-        m_info = m_ffmpeg.inspect(m_source, m_stop);
-        const SubtitleTrack track = chooseTrack();
-        m_output = chooseOutput();
+        m_plan = JobPlan::make(m_source, m_ffmpeg.inspect(m_source, m_stop), m_options);
+        if (m_plan.refusal)
+            throw *m_plan.refusal;
         checkOutputFolder();
         if (m_options.useCache)
             checkCacheFolder();
 
         const WorkingDirectory work;
-        auto document = extract(track, work);
+        auto document = extract(*m_plan.track, work);
         if (m_options.stripSDH)
             document = strip(document);
         throwIfStopped(m_stop);
         report(JobStage::checking, m_backend->label());
         m_backend->preflight(m_stop);
-        const QStringList translations = translate(*document, track);
+        const QStringList translations = translate(*document);
         const QString subtitle = rebuild(*document, translations, work);
-        report(JobStage::muxing, QFileInfo(m_output).fileName());
-        if (QFileInfo::exists(m_output))
+        const QString& output = m_plan.output;
+        report(JobStage::muxing, QFileInfo(output).fileName());
+        if (QFileInfo::exists(output))
             m_result.warnings.append(QStringLiteral("Ya existía «") +
-                                     QDir::toNativeSeparators(m_output) +
+                                     QDir::toNativeSeparators(output) +
                                      QStringLiteral("»: lo reemplacé por el nuevo."));
-        m_ffmpeg.mux(m_source, subtitle, m_output, m_info.tracks.size(), muxOptions(), m_stop);
+        m_ffmpeg.mux(m_source, subtitle, output, m_plan.info.tracks.size(), muxOptions(), m_stop);
         report(JobStage::verifying, QString());
-        m_result.finalTracks = m_ffmpeg.inspect(m_output, m_stop).tracks;
-        report(JobStage::done, QFileInfo(m_output).fileName(), 1.0);
-        m_result.outputURL = m_output;
+        m_result.finalTracks = m_ffmpeg.inspect(output, m_stop).tracks;
+        report(JobStage::done, QFileInfo(output).fileName(), 1.0);
+        m_result.outputURL = output;
         m_result.elapsed = static_cast<double>(m_clock.nsecsElapsed()) / 1e9;
         return m_result;
     }
@@ -136,24 +112,8 @@ private:
                    m_options.contextLines);
     }
 
-    // Refused now rather than after the whole translation was paid for.
-    QString chooseOutput() const {
-        QString output = m_options.outputURL.value_or(
-            TranslationJob::defaultOutputURL(m_source, QStringLiteral(".es")));
-        // A source in a container the mux cannot write (.avi, .webm) still gets a copy: an MKV.
-        if (!m_options.outputURL && FFmpeg::outputProblem(output, MediaInfo{})) {
-            output.chop(QFileInfo(output).suffix().size());
-            output += QStringLiteral("mkv");
-        }
-        if (sameFile(output, m_source))
-            throw JobError::sameInputOutput();
-        if (const auto problem = FFmpeg::outputProblem(output, m_info))
-            throw JobError::badOutput(*problem);
-        return output;
-    }
-
     void checkOutputFolder() const {
-        const QString folder = QFileInfo(m_output).absolutePath();
+        const QString folder = QFileInfo(m_plan.output).absolutePath();
         if (!QFileInfo(folder).isDir()) {
             throw FileError(QStringLiteral("La carpeta de salida «") +
                             QDir::toNativeSeparators(folder) + QStringLiteral("» no existe."));
@@ -166,52 +126,6 @@ private:
     void checkCacheFolder() const {
         if (!QDir().mkpath(m_cacheDirectory) || !canCreateFilesIn(m_cacheDirectory))
             throw JobError::cacheUnavailable(m_cacheDirectory);
-    }
-
-    SubtitleTrack chooseTrack() const {
-        if (m_info.tracks.isEmpty())
-            throw JobError::noSubtitles();
-        if (m_info.spanishStatus() == SpanishStatus::full && !m_options.force)
-            throw JobError::alreadySpanish();
-        const std::optional<SubtitleTrack> chosen =
-            m_options.forcedTrackIndex ? trackWithIndex(*m_options.forcedTrackIndex)
-                                       : automaticChoice();
-        if (chosen->isBitmap()) {
-            throw JobError::bitmapOnly(QStringLiteral("La pista #") +
-                                       QString::number(chosen->index) +
-                                       QStringLiteral(" es de imagen (") + chosen->codec +
-                                       QStringLiteral(") y no se puede traducir sin OCR."));
-        }
-        return *chosen;
-    }
-
-    std::optional<SubtitleTrack> trackWithIndex(qint64 index) const {
-        for (const SubtitleTrack& track : m_info.tracks) {
-            if (track.index == index)
-                return track;
-        }
-        throw JobError::noSourceTrack(QStringLiteral("El archivo no tiene ninguna pista de "
-                                                     "subtítulos con el número #") +
-                                      QString::number(index) +
-                                      QStringLiteral(". Elegí una pista de la lista."));
-    }
-
-    std::optional<SubtitleTrack> automaticChoice() const {
-        const QString language = Languages::normalize(m_options.sourceLanguage);
-        if (auto track = m_info.pickSource(language))
-            return track;
-        const bool anyText = std::any_of(m_info.tracks.begin(), m_info.tracks.end(),
-                                         [](const SubtitleTrack& t) { return t.isText(); });
-        if (!anyText) {
-            throw JobError::bitmapOnly(
-                QStringLiteral("No hay subtítulos de texto para traducir. Las pistas disponibles "
-                               "son de imagen (") +
-                imageCodecList(m_info) + QStringLiteral(") y harían falta OCR."));
-        }
-        throw JobError::noSourceTrack(
-            QStringLiteral("No encontré ninguna pista de subtítulos en ") +
-            Languages::displayName(language) +
-            QStringLiteral(". Elegí una pista a mano en la lista."));
     }
 
     std::shared_ptr<SubtitleDocument> extract(const SubtitleTrack& track,
@@ -239,14 +153,9 @@ private:
             m_backend->cacheScope() + u'|' + rawValue(m_options.variant));
     }
 
-    static QString sourceLanguageName(const SubtitleTrack& track) {
-        return Languages::isKnown(track.language) ? Languages::displayName(track.language)
-                                                  : QStringLiteral("inglés");
-    }
-
-    QStringList translate(const SubtitleDocument& document, const SubtitleTrack& track) {
+    QStringList translate(const SubtitleDocument& document) {
         const std::shared_ptr<TranslationCache> cache = openCache();
-        const Translator translator(m_backend, sourceLanguageName(track), m_options.variant,
+        const Translator translator(m_backend, m_plan.sourceLanguageName(), m_options.variant,
                                     m_options.batchSize, m_options.contextLines,
                                     m_options.concurrency, cache);
         const QStringList texts = document.texts();
@@ -315,8 +224,7 @@ private:
     const TranslationJob::UpdateHandler& m_onUpdate;
     std::stop_token m_stop;
     QElapsedTimer m_clock;
-    MediaInfo m_info;
-    QString m_output;
+    JobPlan m_plan;
     JobResult m_result;
 };
 
@@ -334,16 +242,6 @@ JobResult TranslationJob::run(const QString& source, const UpdateHandler& onUpda
     return JobRun(m_ffmpeg, m_backend, m_options, m_cacheDirectory, source, onUpdate,
                   std::move(stop))
         .run();
-}
-
-QString TranslationJob::defaultOutputURL(const QString& source, const QString& suffix) {
-    const QFileInfo info(source);
-    const QString extension = info.suffix().isEmpty() ? QStringLiteral("mkv") : info.suffix();
-    const QString name = info.completeBaseName() + suffix + u'.' + extension;
-    const QString directory = info.path();
-    return directory == QStringLiteral(".") && !source.startsWith(QStringLiteral("./"))
-               ? name
-               : QDir(directory).filePath(name);
 }
 
 } // namespace velto

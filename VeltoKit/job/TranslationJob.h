@@ -30,9 +30,6 @@ public:
     // engine unchanged; Cancelled when `stop` is requested.
     JobResult run(const QString& source, const UpdateHandler& onUpdate, std::stop_token stop) const;
 
-    // "a/Movie.mkv" with ".es" gives "a/Movie.es.mkv"; a source without extension gets "mkv".
-    static QString defaultOutputURL(const QString& source, const QString& suffix);
-
     const JobOptions& options() const { return m_options; }
 
 private:

@@ -262,6 +262,11 @@ QString FFmpeg::extract(const SubtitleTrack& track, const QString& source, const
     return output;
 }
 
+bool FFmpeg::writesContainer(const QString& extension) {
+    const QFileInfo named(QStringLiteral("x.") + extension);
+    return needsMovText(named) || isMatroska(named);
+}
+
 std::optional<QString> FFmpeg::outputProblem(const QString& output, const MediaInfo& source) {
     const QFileInfo info(output);
     if (info.isDir())
@@ -275,7 +280,7 @@ std::optional<QString> FFmpeg::outputProblem(const QString& output, const MediaI
                QStringLiteral(" le falta la extensión: terminá el nombre en ") + containerList() +
                u'.';
     const bool movText = needsMovText(info);
-    if (!movText && !isMatroska(info))
+    if (!writesContainer(suffix))
         return QStringLiteral("No puedo escribir un video «.") + suffix +
                QStringLiteral("»: terminá el nombre en ") + containerList() + u'.';
     QStringList refused;

@@ -36,6 +36,8 @@ struct FFmpeg {
     // a folder, no extension, a container the mux does not write, or one that cannot hold the
     // source's subtitle tracks as they are. None when the mux can write it.
     static std::optional<QString> outputProblem(const QString& output, const MediaInfo& source);
+    // Whether the mux writes a container with this file extension ("mkv", "MP4"...).
+    static bool writesContainer(const QString& extension);
 
     // Writes `output`: every stream, chapter and tag of `source` copied, plus `subtitle` as one
     // more subtitle track (numbered `existingSubtitleCount` among the subtitle streams). The

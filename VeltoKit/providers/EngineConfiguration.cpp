@@ -46,17 +46,26 @@ EngineConfiguration::EngineConfiguration(Provider provider, QString apiKey, QStr
     , cliModel(std::move(cliModel))
     , cliBinaryPath(std::move(cliBinaryPath)) {}
 
+std::optional<EngineConfiguration::Requirement> EngineConfiguration::missing() const {
+    if (provider.needsKey && apiKey.isEmpty())
+        return Requirement::apiKey;
+    const bool needsModel =
+        provider.flavor == Flavor::openAICompatible || provider.flavor == Flavor::gemini;
+    if (needsModel && model.isEmpty())
+        return Requirement::model;
+    return std::nullopt;
+}
+
 std::optional<QString> EngineConfiguration::missingRequirement() const {
-    if (provider.needsKey && apiKey.isEmpty()) {
+    const std::optional<Requirement> lacking = missing();
+    if (lacking == Requirement::apiKey) {
         return QStringLiteral("Falta la API key de ") + provider.name +
                QStringLiteral(". Cargala en Ajustes") +
                (provider.keySource.isEmpty()
                     ? QStringLiteral(".")
                     : QStringLiteral("; la sacás de ") + provider.keySource + u'.');
     }
-    const bool needsModel =
-        provider.flavor == Flavor::openAICompatible || provider.flavor == Flavor::gemini;
-    if (needsModel && model.isEmpty()) {
+    if (lacking == Requirement::model) {
         return QStringLiteral("Elegí un modelo en Ajustes: apretá «Buscar» para ver los que "
                               "ofrece ") +
                provider.name + u'.';

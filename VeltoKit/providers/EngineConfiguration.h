@@ -28,9 +28,12 @@ struct EngineConfiguration {
     QString cliModel;
     QString cliBinaryPath;
 
+    // What this setup lacks before it can run; each front end says where to give it.
+    enum class Requirement { apiKey, model };
+    std::optional<Requirement> missing() const;
     // Why this setup cannot run yet, in the user's words; absent when it can.
     std::optional<QString> missingRequirement() const;
-    bool isReady() const { return !missingRequirement(); }
+    bool isReady() const { return !missing(); }
     // "Motor: Claude · claude-opus-5", for the main window.
     QString summary() const;
 

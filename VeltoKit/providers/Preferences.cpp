@@ -10,26 +10,8 @@ namespace velto {
 
 namespace {
 
-const QString providerKey = QStringLiteral("providerID");
-const QString cliModelKey = QStringLiteral("cliModel");
-const QString cliBinaryPathKey = QStringLiteral("cliBinaryPath");
-const QString effortKey = QStringLiteral("anthropicEffort");
-const QString variantKey = QStringLiteral("variant");
-const QString stripSDHKey = QStringLiteral("stripSDH");
-const QString stripParensKey = QStringLiteral("stripParens");
-const QString makeDefaultKey = QStringLiteral("makeDefault");
-const QString trackTitleKey = QStringLiteral("trackTitle");
-const QString batchSizeKey = QStringLiteral("batchSize");
-const QString concurrencyKey = QStringLiteral("concurrency");
-const QString useCacheKey = QStringLiteral("useCache");
-const QString ffmpegDirectoryKey = QStringLiteral("ffmpegDirectory");
-
 // Fixed by the program: enough for the model to follow a conversation, cheap to send.
 constexpr qint64 contextLines = 4;
-
-QString providerSettingKey(const Provider& provider, QStringView setting) {
-    return QStringLiteral("provider.") + provider.id + u'.' + setting;
-}
 
 } // namespace
 
@@ -37,7 +19,21 @@ Preferences::Preferences(std::unique_ptr<QSettings> settings, KeyReader readKey,
     : QObject(parent)
     , m_settings(std::move(settings))
     , m_readKey(readKey ? std::move(readKey) : KeyReader(&Keychain::get))
-    , m_writeKey(&Keychain::set) {}
+    , m_writeKey(&Keychain::set)
+    , m_providerID(*m_settings, QStringLiteral("providerID"), Provider::claude().id)
+    , m_cliModel(*m_settings, QStringLiteral("cliModel"), QStringLiteral("sonnet"))
+    , m_cliBinaryPath(*m_settings, QStringLiteral("cliBinaryPath"), QString())
+    , m_anthropicEffort(*m_settings, QStringLiteral("anthropicEffort"),
+                        AnthropicBackend::rawValue(AnthropicBackend::Effort::low))
+    , m_variant(*m_settings, QStringLiteral("variant"), rawValue(SpanishVariant::neutro))
+    , m_stripSDH(*m_settings, QStringLiteral("stripSDH"), false)
+    , m_stripParens(*m_settings, QStringLiteral("stripParens"), true)
+    , m_makeDefault(*m_settings, QStringLiteral("makeDefault"), true)
+    , m_trackTitle(*m_settings, QStringLiteral("trackTitle"), JobOptions().trackTitle)
+    , m_batchSize(*m_settings, QStringLiteral("batchSize"), JobOptions().batchSize)
+    , m_concurrency(*m_settings, QStringLiteral("concurrency"), JobOptions().concurrency)
+    , m_useCache(*m_settings, QStringLiteral("useCache"), JobOptions().useCache)
+    , m_ffmpegDirectory(*m_settings, QStringLiteral("ffmpegDirectory"), QString()) {}
 
 Preferences::~Preferences() = default;
 
@@ -55,23 +51,24 @@ QString Preferences::cacheDirectory() {
     return directory;
 }
 
-QVariant Preferences::value(const QString& key, const QVariant& fallback) const {
-    return m_settings->value(key, fallback);
+template <typename T>
+void Preferences::store(SettingValue<T>& setting, const T& value, void (Preferences::*announce)()) {
+    if (setting.set(value))
+        emit(this->*announce)();
 }
 
-void Preferences::store(const QString& key, const QVariant& value) {
-    if (m_settings->contains(key) && m_settings->value(key) == value)
-        return;
-    m_settings->setValue(key, value);
-    emit changed(key);
+SettingValue<QString> Preferences::providerSetting(const Provider& provider,
+                                                   QStringView name) const {
+    return SettingValue<QString>(
+        *m_settings, QStringLiteral("provider.") + provider.id + u'.' + name, QString());
 }
 
 QString Preferences::providerIDStorage() const {
-    return value(providerKey, Provider::claude().id).toString();
+    return m_providerID.get();
 }
 
 void Preferences::setProviderIDStorage(const QString& id) {
-    store(providerKey, id);
+    store(m_providerID, id, &Preferences::engineChanged);
 }
 
 const Provider& Preferences::provider() const {
@@ -79,27 +76,27 @@ const Provider& Preferences::provider() const {
 }
 
 QString Preferences::cliModel() const {
-    return value(cliModelKey, QStringLiteral("sonnet")).toString();
+    return m_cliModel.get();
 }
 
 void Preferences::setCliModel(const QString& model) {
-    store(cliModelKey, model);
+    store(m_cliModel, model, &Preferences::engineChanged);
 }
 
 QString Preferences::cliBinaryPath() const {
-    return value(cliBinaryPathKey, QString()).toString();
+    return m_cliBinaryPath.get();
 }
 
 void Preferences::setCliBinaryPath(const QString& path) {
-    store(cliBinaryPathKey, path);
+    store(m_cliBinaryPath, path, &Preferences::engineChanged);
 }
 
 QString Preferences::anthropicEffortRaw() const {
-    return value(effortKey, AnthropicBackend::rawValue(AnthropicBackend::Effort::low)).toString();
+    return m_anthropicEffort.get();
 }
 
 void Preferences::setAnthropicEffortRaw(const QString& raw) {
-    store(effortKey, raw);
+    store(m_anthropicEffort, raw, &Preferences::engineChanged);
 }
 
 AnthropicBackend::Effort Preferences::anthropicEffort() const {
@@ -108,11 +105,11 @@ AnthropicBackend::Effort Preferences::anthropicEffort() const {
 }
 
 QString Preferences::variantRaw() const {
-    return value(variantKey, rawValue(SpanishVariant::neutro)).toString();
+    return m_variant.get();
 }
 
 void Preferences::setVariantRaw(const QString& raw) {
-    store(variantKey, raw);
+    store(m_variant, raw, &Preferences::jobOptionsChanged);
 }
 
 SpanishVariant Preferences::variant() const {
@@ -120,84 +117,86 @@ SpanishVariant Preferences::variant() const {
 }
 
 bool Preferences::stripSDH() const {
-    return value(stripSDHKey, false).toBool();
+    return m_stripSDH.get();
 }
 
 void Preferences::setStripSDH(bool strip) {
-    store(stripSDHKey, strip);
+    store(m_stripSDH, strip, &Preferences::jobOptionsChanged);
 }
 
 bool Preferences::stripParens() const {
-    return value(stripParensKey, true).toBool();
+    return m_stripParens.get();
 }
 
 void Preferences::setStripParens(bool strip) {
-    store(stripParensKey, strip);
+    store(m_stripParens, strip, &Preferences::jobOptionsChanged);
 }
 
 bool Preferences::makeDefault() const {
-    return value(makeDefaultKey, true).toBool();
+    return m_makeDefault.get();
 }
 
 void Preferences::setMakeDefault(bool makeDefault) {
-    store(makeDefaultKey, makeDefault);
+    store(m_makeDefault, makeDefault, &Preferences::jobOptionsChanged);
 }
 
 QString Preferences::trackTitle() const {
-    return value(trackTitleKey, QStringLiteral("Español (traducido)")).toString();
+    return m_trackTitle.get();
 }
 
 void Preferences::setTrackTitle(const QString& title) {
-    store(trackTitleKey, title);
+    store(m_trackTitle, title, &Preferences::jobOptionsChanged);
 }
 
 qint64 Preferences::batchSize() const {
-    return value(batchSizeKey, 40).toLongLong();
+    return m_batchSize.get();
 }
 
 void Preferences::setBatchSize(qint64 size) {
-    store(batchSizeKey, size);
+    store(m_batchSize, size, &Preferences::jobOptionsChanged);
 }
 
 qint64 Preferences::concurrency() const {
-    return value(concurrencyKey, 3).toLongLong();
+    return m_concurrency.get();
 }
 
 void Preferences::setConcurrency(qint64 requests) {
-    store(concurrencyKey, requests);
+    store(m_concurrency, requests, &Preferences::jobOptionsChanged);
 }
 
 bool Preferences::useCache() const {
-    return value(useCacheKey, true).toBool();
+    return m_useCache.get();
 }
 
 void Preferences::setUseCache(bool use) {
-    store(useCacheKey, use);
+    store(m_useCache, use, &Preferences::jobOptionsChanged);
 }
 
 QString Preferences::ffmpegDirectory() const {
-    return value(ffmpegDirectoryKey, QString()).toString();
+    return m_ffmpegDirectory.get();
 }
 
 void Preferences::setFfmpegDirectory(const QString& directory) {
-    store(ffmpegDirectoryKey, directory);
+    store(m_ffmpegDirectory, directory, &Preferences::ffmpegDirectoryChanged);
 }
 
 QString Preferences::model(const Provider& provider) const {
-    return value(providerSettingKey(provider, u"model"), QString()).toString();
+    return providerSetting(provider, u"model").get();
 }
 
 void Preferences::setModel(const QString& model, const Provider& provider) {
-    store(providerSettingKey(provider, u"model"), model);
+    SettingValue<QString> setting = providerSetting(provider, u"model");
+    store(setting, model, &Preferences::engineChanged);
 }
 
 QString Preferences::baseURL(const Provider& provider) const {
-    const QString stored = value(providerSettingKey(provider, u"baseURL"), QString()).toString();
+    const QString stored = providerSetting(provider, u"baseURL").get();
     return stored.isEmpty() ? provider.defaultBaseURL : stored;
 }
 
 void Preferences::setBaseURL(const QString& address, const Provider& provider) {
-    store(providerSettingKey(provider, u"baseURL"), address);
+    SettingValue<QString> setting = providerSetting(provider, u"baseURL");
+    store(setting, address, &Preferences::engineChanged);
 }
 
 QString Preferences::apiKey(const Provider& provider) const {
@@ -206,7 +205,7 @@ QString Preferences::apiKey(const Provider& provider) const {
 
 void Preferences::setAPIKey(const QString& key, const Provider& provider) {
     m_writeKey(key, provider.id);
-    emit changed(QStringLiteral("apiKey.") + provider.id);
+    emit engineChanged();
 }
 
 void Preferences::setKeyWriter(KeyWriter writeKey) {
@@ -225,7 +224,6 @@ EngineConfiguration Preferences::engineConfiguration(const Provider& provider) c
 JobOptions Preferences::makeJobOptions(std::optional<QString> output,
                                        std::optional<qint64> forcedTrack, bool force) const {
     JobOptions options;
-    options.sourceLanguage = QStringLiteral("eng");
     options.variant = variant();
     options.stripSDH = stripSDH();
     options.stripParens = stripParens();

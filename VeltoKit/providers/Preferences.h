@@ -12,14 +12,16 @@
 #include "VeltoKit/job/JobOptions.h"
 #include "VeltoKit/providers/EngineConfiguration.h"
 #include "VeltoKit/providers/Provider.h"
+#include "VeltoKit/providers/SettingValue.h"
 #include "VeltoKit/translation/SpanishVariant.h"
 
 namespace velto {
 
 // Every setting of the user, kept in the platform's settings store, and what the logic builds
 // from them: the engine configuration and the options of a job. Keys are not kept here but in
-// the credential store. One instance is shared by every window and by the command line; every
-// change is signalled. Used from the main thread only.
+// the credential store. One instance is shared by every window and by the command line. A change
+// is announced by what it affects (the engine, the job's options, the ffmpeg folder), so a view
+// follows what it shows and never a key's spelling. Used from the main thread only.
 class Preferences : public QObject {
     Q_OBJECT
 
@@ -84,8 +86,7 @@ public:
 
     // The key of a provider, from the credential store unless another reader was given.
     QString apiKey(const Provider& provider) const;
-    // Stores the key (an empty one deletes it) and signals "apiKey." + the provider id, so the
-    // windows that show readiness follow at once.
+    // Stores the key (an empty one deletes it); the engine's readiness follows at once.
     void setAPIKey(const QString& key, const Provider& provider);
     // Where setAPIKey writes; the credential store unless set.
     void setKeyWriter(KeyWriter writeKey);
@@ -98,17 +99,34 @@ public:
                               bool force) const;
 
 signals:
-    // After any setting changed; `key` is the store key, e.g. "providerID" or
-    // "provider.local.baseURL".
-    void changed(const QString& key);
+    // Something engineConfiguration() reads changed: provider, key, model, address, effort,
+    // the claude program's model or path. Its readiness and summary may be new.
+    void engineChanged();
+    // Something makeJobOptions() reads changed.
+    void jobOptionsChanged();
+    void ffmpegDirectoryChanged();
 
 private:
-    QVariant value(const QString& key, const QVariant& fallback) const;
-    void store(const QString& key, const QVariant& value);
+    template <typename T>
+    void store(SettingValue<T>& setting, const T& value, void (Preferences::*announce)());
+    SettingValue<QString> providerSetting(const Provider& provider, QStringView name) const;
 
     std::unique_ptr<QSettings> m_settings;
     KeyReader m_readKey;
     KeyWriter m_writeKey;
+    SettingValue<QString> m_providerID;
+    SettingValue<QString> m_cliModel;
+    SettingValue<QString> m_cliBinaryPath;
+    SettingValue<QString> m_anthropicEffort;
+    SettingValue<QString> m_variant;
+    SettingValue<bool> m_stripSDH;
+    SettingValue<bool> m_stripParens;
+    SettingValue<bool> m_makeDefault;
+    SettingValue<QString> m_trackTitle;
+    SettingValue<qint64> m_batchSize;
+    SettingValue<qint64> m_concurrency;
+    SettingValue<bool> m_useCache;
+    SettingValue<QString> m_ffmpegDirectory;
 };
 
 } // namespace velto

@@ -4,10 +4,12 @@
 
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/job/JobError.h"
+#include "VeltoKit/job/JobPlan.h"
 #include "VeltoKit/job/TranslationJob.h"
 #include "VeltoKit/platform/PlatformText.h"
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoKit/translation/TranslationBackend.h"
+#include "VeltoMKV/state/FailureText.h"
 
 namespace velto {
 namespace {
@@ -21,13 +23,6 @@ std::optional<QString> folder(const QString& directory) {
     if (directory.isEmpty())
         return std::nullopt;
     return directory;
-}
-
-// The failure's own sentence; the library's errors all carry one.
-QString describe(const std::exception& error) {
-    if (const auto* known = dynamic_cast<const VeltoError*>(&error))
-        return known->description();
-    return QStringLiteral("Falló algo inesperado: ") + QString::fromLocal8Bit(error.what());
 }
 
 } // namespace
@@ -79,8 +74,7 @@ void AppState::load(const QString& url, const Preferences& preferences) {
     setResult(std::nullopt);
     setWarnings({});
     setForce(false);
-    setProgress(std::nullopt);
-    setDetail(QString());
+    setProgress({});
     // Nothing of a previous video may survive into this one, even if this probe fails.
     setInfo(std::nullopt);
     setSelectedTrack(std::nullopt);
@@ -90,7 +84,8 @@ void AppState::load(const QString& url, const Preferences& preferences) {
 
     const std::optional<QString> directory = folder(preferences.ffmpegDirectory());
     const QString hint = missingFfmpeg();
-    m_probe = m_tasks.launch([this, run, url, directory, hint,
+    const JobOptions options = preferences.makeJobOptions({}, {}, false);
+    m_probe = m_tasks.launch([this, run, url, directory, hint, options,
                               locate = m_locate](std::stop_token stop, const auto& post) {
         const std::optional<FFmpeg> tools = locate(directory);
         if (!tools) {
@@ -105,16 +100,16 @@ void AppState::load(const QString& url, const Preferences& preferences) {
         }
         try {
             const MediaInfo info = tools->inspect(url, std::move(stop));
-            post([this, run, url, info, tools] {
+            post([this, run, url, info, tools, options] {
                 if (run != m_run)
                     return;
                 m_tools = tools;
                 setFfmpegReady(true);
-                probed(url, info);
+                probed(url, info, options);
             });
         } catch (const Cancelled&) {
         } catch (const std::exception& error) {
-            post([this, run, message = describe(error)] {
+            post([this, run, message = failureText(error)] {
                 if (run == m_run)
                     setPhase(Phase::failed(message));
             });
@@ -122,14 +117,16 @@ void AppState::load(const QString& url, const Preferences& preferences) {
     });
 }
 
-void AppState::probed(const QString& url, const MediaInfo& info) {
+void AppState::probed(const QString& url, const MediaInfo& info, const JobOptions& options) {
     m_probe.reset();
     setInfo(info);
-    const std::optional<SubtitleTrack> source = info.pickSource(QStringLiteral("eng"));
-    setSelectedTrack(source ? std::optional<qint64>(source->index) : std::nullopt);
-    setOutputURL(TranslationJob::defaultOutputURL(url, QStringLiteral(".es")));
-    if (info.tracks.isEmpty())
-        setPhase(Phase::failed(JobError::noSubtitles().description()));
+    // The job's own choices, so that what the window proposes is what the job would do.
+    const JobPlan plan = JobPlan::make(url, info, options);
+    setSelectedTrack(plan.track ? std::optional<qint64>(plan.track->index) : std::nullopt);
+    setOutputURL(plan.output);
+    // A file without subtitles has nothing to show; every other refusal waits for the start.
+    if (plan.refusal && plan.refusal->kind() == JobError::Kind::noSubtitles)
+        setPhase(Phase::failed(failureText(*plan.refusal)));
     else
         setPhase(Phase::ready());
 }
@@ -142,7 +139,7 @@ void AppState::start(const Preferences& preferences) {
         backend = preferences.engineConfiguration().makeBackend();
     } catch (const std::exception& error) {
         nextRun();
-        setPhase(Phase::failed(describe(error)));
+        setPhase(Phase::failed(failureText(error)));
         return;
     }
     const JobOptions options = preferences.makeJobOptions(m_outputURL, m_selectedTrack, m_force);
@@ -152,18 +149,13 @@ void AppState::start(const Preferences& preferences) {
     const quint64 run = nextRun();
     setResult(std::nullopt);
     setWarnings({});
-    setProgress(std::nullopt);
-    setDetail(QString());
-    setStage(JobStage::analyzing);
+    setProgress({});
     setPhase(Phase::working());
     m_task = m_tasks.launch([this, run, job, source](std::stop_token stop, const auto& post) {
         const auto onUpdate = [this, run, post](const JobUpdate& update) {
             post([this, run, update] {
-                if (run != m_run)
-                    return;
-                setStage(update.stage);
-                setDetail(update.detail);
-                setProgress(update.progress);
+                if (run == m_run)
+                    setProgress(update);
             });
         };
         try {
@@ -178,7 +170,7 @@ void AppState::start(const Preferences& preferences) {
             });
         } catch (const Cancelled&) {
         } catch (const std::exception& error) {
-            post([this, run, message = describe(error)] {
+            post([this, run, message = failureText(error)] {
                 if (run != m_run)
                     return;
                 m_task.reset();
@@ -193,8 +185,7 @@ void AppState::cancel() {
         return;
     nextRun();
     setPhase(Phase::ready());
-    setDetail(QString());
-    setProgress(std::nullopt);
+    setProgress({});
 }
 
 void AppState::reset() {
@@ -205,9 +196,8 @@ void AppState::reset() {
     setSelectedTrack(std::nullopt);
     setOutputURL(std::nullopt);
     setResult(std::nullopt);
-    setProgress(std::nullopt);
+    setProgress({});
     setWarnings({});
-    setDetail(QString());
     setForce(false);
 }
 
@@ -263,24 +253,10 @@ void AppState::setForce(bool force) {
     emit forceChanged();
 }
 
-void AppState::setStage(JobStage stage) {
-    if (stage == m_stage)
-        return;
-    m_stage = stage;
-    emit stageChanged();
-}
-
-void AppState::setDetail(QString detail) {
-    if (detail == m_detail)
-        return;
-    m_detail = std::move(detail);
-    emit detailChanged();
-}
-
-void AppState::setProgress(std::optional<double> progress) {
+void AppState::setProgress(JobUpdate progress) {
     if (progress == m_progress)
         return;
-    m_progress = progress;
+    m_progress = std::move(progress);
     emit progressChanged();
 }
 

@@ -7,8 +7,9 @@
 #include <QString>
 #include <QStringList>
 
+#include "VeltoKit/job/JobOptions.h"
 #include "VeltoKit/job/JobResult.h"
-#include "VeltoKit/job/JobStage.h"
+#include "VeltoKit/job/JobUpdate.h"
 #include "VeltoKit/media/FFmpeg.h"
 #include "VeltoKit/media/MediaInfo.h"
 #include "VeltoMKV/state/BackgroundTasks.h"
@@ -43,9 +44,8 @@ public:
     void setOutputURL(std::optional<QString> url);
     bool force() const { return m_force; }
     void setForce(bool force);
-    JobStage stage() const { return m_stage; }
-    const QString& detail() const { return m_detail; }
-    std::optional<double> progress() const { return m_progress; }
+    // Where the running job is: its stage, the detail line and the fraction when known.
+    const JobUpdate& progress() const { return m_progress; }
     const std::optional<JobResult>& result() const { return m_result; }
     const QStringList& warnings() const { return m_warnings; }
     const std::optional<QString>& ffmpegStatus() const { return m_ffmpegStatus; }
@@ -69,8 +69,6 @@ signals:
     void selectedTrackChanged();
     void outputURLChanged();
     void forceChanged();
-    void stageChanged();
-    void detailChanged();
     void progressChanged();
     void resultChanged();
     void warningsChanged();
@@ -81,9 +79,7 @@ private:
     void setPhase(Phase phase);
     void setSourceURL(std::optional<QString> url);
     void setInfo(std::optional<MediaInfo> info);
-    void setStage(JobStage stage);
-    void setDetail(QString detail);
-    void setProgress(std::optional<double> progress);
+    void setProgress(JobUpdate progress);
     void setResult(std::optional<JobResult> result);
     void setWarnings(QStringList warnings);
     void setFfmpegStatus(std::optional<QString> status);
@@ -91,7 +87,7 @@ private:
     void toolsFound(const std::optional<FFmpeg>& tools, const QString& installHint);
     // Stops whatever probe or job is current and makes its later reports stale.
     quint64 nextRun();
-    void probed(const QString& url, const MediaInfo& info);
+    void probed(const QString& url, const MediaInfo& info, const JobOptions& options);
 
     Phase m_phase;
     std::optional<QString> m_sourceURL;
@@ -99,9 +95,7 @@ private:
     std::optional<qint64> m_selectedTrack;
     std::optional<QString> m_outputURL;
     bool m_force = false;
-    JobStage m_stage = JobStage::analyzing;
-    QString m_detail;
-    std::optional<double> m_progress;
+    JobUpdate m_progress;
     std::optional<JobResult> m_result;
     QStringList m_warnings;
     std::optional<QString> m_ffmpegStatus;

@@ -17,10 +17,8 @@ std::optional<QString> failureOf(Call&& call) {
         call();
     } catch (const Cancelled&) {
         throw;
-    } catch (const VeltoError& error) {
-        return error.description();
     } catch (const std::exception& error) {
-        return QStringLiteral("Falló algo inesperado: ") + QString::fromLocal8Bit(error.what());
+        return describeFailure(error);
     }
     return std::nullopt;
 }

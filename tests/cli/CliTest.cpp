@@ -155,7 +155,7 @@ TEST_F(CliTest, RefusesWhatItCannotDoInItsOwnWordsAndLeavesNothing) {
          movie + u"Un «.mp4» solo guarda subtítulos mov_text y este video "
                  "trae pistas subrip. Guardá el resultado como .mkv.\n"_s},
         {{path(u"Spanish.mkv"_s)},
-         u"No se pudo traducir Spanish.mkv:\nEl archivo ya tiene subtítulos en español. Agregá "
+         u"No se pudo traducir Spanish.mkv:\nEl archivo ya tiene subtítulos en español.\nAgregá "
          "--force si querés traducirlo de todos modos.\n"_s},
         {{english},
          movie +

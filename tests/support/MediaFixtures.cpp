@@ -120,11 +120,14 @@ void writeVideo(const QString& path, const VideoRecipe& recipe) {
     QTemporaryDir scratch;
     const QString suffix = QFileInfo(path).suffix().toLower();
     const bool mp4 = suffix == u"mp4" || suffix == u"mov" || suffix == u"m4v";
+    const bool webm = suffix == u"webm";
     QStringList inputs = words(u"-y -v error -f lavfi -i testsrc=size=64x48:rate=10:duration=3 "
                                "-f lavfi -i sine=sample_rate=8000:duration=3"_s);
     // AAC's priming delay would make ffmpeg shift every Matroska timestamp; PCM has none.
-    QStringList outputs = words(u"-map 0 -map 1 -c:v mpeg4 -c:a"_s)
-                          << (mp4 ? u"aac"_s : u"pcm_s16le"_s);
+    QStringList outputs = webm ? words(u"-map 0 -map 1 -c:v libvpx -deadline realtime -c:a "
+                                       "libopus"_s)
+                               : words(u"-map 0 -map 1 -c:v mpeg4 -c:a"_s)
+                                     << (mp4 ? u"aac"_s : u"pcm_s16le"_s);
     static const QStringList codecs = {u"copy"_s,     u"ass"_s,  u"webvtt"_s,
                                        u"mov_text"_s, u"copy"_s, u"dvdsub"_s}; // by format
     for (qsizetype i = 0; i < recipe.subtitles.size(); ++i) {
@@ -140,9 +143,10 @@ void writeVideo(const QString& path, const VideoRecipe& recipe) {
             inputs << u"-fix_sub_duration"_s;
         inputs << u"-i"_s << file;
         const QString s = QString::number(i);
-        const QString codec = mp4 && subtitle.format == SubtitleFormat::srt
-                                  ? u"mov_text"_s
-                                  : codecs[static_cast<int>(subtitle.format)];
+        const bool plain = subtitle.format == SubtitleFormat::srt;
+        const QString codec = mp4 && plain    ? u"mov_text"_s
+                              : webm && plain ? u"webvtt"_s
+                                              : codecs[static_cast<int>(subtitle.format)];
         outputs << u"-map"_s << QString::number(i + 2) << u"-c:s:"_s + s << codec
                 << u"-disposition:s:"_s + s << disposition(subtitle) << u"-metadata:s:s:"_s + s
                 << u"language="_s + subtitle.language << u"-metadata:s:s:"_s + s

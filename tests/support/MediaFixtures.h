@@ -13,7 +13,7 @@
 namespace velto::MediaFixtures {
 
 enum class SubtitleFormat {
-    srt,        // subrip (mov_text in MP4/MOV)
+    srt,        // subrip
     ass,        // ass, converted by ffmpeg from the SRT
     webvtt,     // webvtt, converted by ffmpeg from the SRT
     movText,    // mov_text (MP4/MOV)
@@ -22,6 +22,7 @@ enum class SubtitleFormat {
 };
 
 struct SubtitleRecipe {
+    // srt becomes mov_text in MP4/MOV and webvtt in WebM, the text formats those take.
     SubtitleFormat format = SubtitleFormat::srt;
     // Every member has an initializer, so a designated initializer may leave any of them out
     // without a missing-initializer warning.

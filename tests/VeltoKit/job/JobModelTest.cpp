@@ -1,8 +1,9 @@
+#include <QList>
+
 #include <gtest/gtest.h>
 
 #include "VeltoKit/job/JobStage.h"
 #include "VeltoKit/job/JobUpdate.h"
-#include "VeltoKit/job/TranslationJob.h"
 
 using namespace velto;
 using namespace Qt::StringLiterals;
@@ -19,14 +20,4 @@ TEST(JobModel, StagesAreFoundByTheirExactLabelAndMuxingNamesItsContainer) {
     };
     for (const auto& [update, text] : labels)
         EXPECT_EQ(label(update), text);
-}
-
-TEST(JobModel, DefaultOutputLiesBesideTheSource) {
-    const QList<std::pair<QString, QString>> names = {
-        {u"a/b/Movie.mkv"_s, u"a/b/Movie.es.mkv"_s},
-        {u"clip"_s, u"clip.es.mkv"_s},
-        {u"/v/My.Show.S01.mp4"_s, u"/v/My.Show.S01.es.mp4"_s},
-    };
-    for (const auto& [source, output] : names)
-        EXPECT_EQ(TranslationJob::defaultOutputURL(source, u".es"_s), output);
 }

@@ -14,6 +14,7 @@
 
 #include "VeltoKit/engines/EchoBackend.h"
 #include "VeltoKit/job/JobError.h"
+#include "VeltoKit/job/JobPlan.h"
 #include "VeltoKit/subtitles/SrtDocument.h"
 #include "VeltoKit/translation/BlockProtocol.h"
 #include "support/MediaFixtures.h"
@@ -212,12 +213,9 @@ TEST_F(TranslationJobTest, RefusesBeforeWritingAnything) {
          u"(dvd_subtitle, hdmv_pgs_subtitle) y harían falta OCR."_s},
         {images, [](JobOptions& o) { o.forcedTrackIndex = 2; },
          u"La pista #2 es de imagen (hdmv_pgs_subtitle) y no se puede traducir sin OCR."_s},
-        {spanish,
-         {},
-         u"El archivo ya tiene subtítulos en español. Activá «Traducir igual» si querés hacerlo "
-         u"de todos modos."_s},
+        {spanish, {}, u"El archivo ya tiene subtítulos en español."_s},
         {spanish, [](JobOptions& o) { o.force = true; },
-         u"No encontré ninguna pista de subtítulos en inglés. Elegí una pista a mano en la lista."_s},
+         u"No encontré ninguna pista de subtítulos en inglés."_s},
         {english, [&](JobOptions& o) { o.outputURL = path(u"./Movie.mkv"_s); },
          u"La salida no puede ser el mismo archivo que la entrada."_s},
         {english, [&](JobOptions& o) { o.outputURL = path(u"sub/../Movie.mkv"_s); },
@@ -246,7 +244,7 @@ TEST_F(TranslationJobTest, RefusesBeforeWritingAnything) {
         for (const JobUpdate& update : m_updates)
             EXPECT_EQ(update.stage, JobStage::analyzing) << "only the analysis ran";
         EXPECT_EQ(leftovers(), QStringList());
-        EXPECT_FALSE(QFile::exists(TranslationJob::defaultOutputURL(refusal.source, u".es"_s)));
+        EXPECT_FALSE(QFile::exists(JobPlan::defaultOutputURL(refusal.source)));
     }
 }
 

@@ -27,38 +27,24 @@ protected:
 
 } // namespace
 
-TEST_F(PreferencesTest, AFreshStoreHoldsEveryDefault) {
-    const auto preferences = open();
-    const JobOptions options = preferences->makeJobOptions(std::nullopt, std::nullopt, false);
-    EXPECT_EQ(preferences->provider(), Provider::claude());
-    EXPECT_EQ(preferences->cliModel(), u"sonnet"_s);
-    EXPECT_EQ(preferences->anthropicEffort(), AnthropicBackend::Effort::low);
-    EXPECT_EQ(options.variant, SpanishVariant::neutro);
-    EXPECT_EQ(options.sourceLanguage, u"eng"_s);
-    EXPECT_FALSE(options.stripSDH);
-    EXPECT_TRUE(options.stripParens);
-    EXPECT_TRUE(options.makeDefault);
-    EXPECT_EQ(options.trackTitle, u"Español (traducido)"_s);
-    EXPECT_EQ(options.batchSize, 40);
-    EXPECT_EQ(options.concurrency, 3);
-    EXPECT_EQ(options.contextLines, 4);
-    EXPECT_TRUE(options.useCache);
-    EXPECT_EQ(preferences->ffmpegDirectory(), QString());
-    EXPECT_EQ(preferences->baseURL(Provider::local()), Provider::local().defaultBaseURL);
-}
-
 TEST_F(PreferencesTest, EachProviderKeepsItsOwnModelAndAddressAcrossRestarts) {
     {
         const auto preferences = open();
-        QSignalSpy changes(preferences.get(), &Preferences::changed);
+        preferences->setKeyWriter([](const QString&, const QString&) {});
+        QSignalSpy engine(preferences.get(), &Preferences::engineChanged);
+        QSignalSpy options(preferences.get(), &Preferences::jobOptionsChanged);
+        QSignalSpy ffmpeg(preferences.get(), &Preferences::ffmpegDirectoryChanged);
         preferences->setProviderIDStorage(u"local"_s);
         preferences->setModel(u"qwen3:8b"_s, Provider::local());
         preferences->setBaseURL(u"http://127.0.0.1:9/v1"_s, Provider::local());
         preferences->setModel(u"gpt-x"_s, Provider::openAI());
         preferences->setModel(u"gpt-x"_s, Provider::openAI()); // no change, no signal
+        preferences->setAPIKey(u"sk-x"_s, Provider::openAI());
         preferences->setBatchSize(5);
-        EXPECT_EQ(changes.size(), 5);
-        EXPECT_EQ(changes.at(1).at(0).toString(), u"provider.local.model"_s);
+        preferences->setFfmpegDirectory(u"/opt/ffmpeg"_s);
+        EXPECT_EQ(engine.size(), 5);
+        EXPECT_EQ(options.size(), 1);
+        EXPECT_EQ(ffmpeg.size(), 1);
     }
     m_keys.insert(u"local"_s, u"sk-local"_s);
     const auto preferences = open();

@@ -90,13 +90,13 @@ TEST_F(AppStateTest, AFileFfprobeCannotReadFailsWithItsMessage) {
 
 TEST_F(AppStateTest, ARunReportsProgressAndFinishesWithTheCopyOnDisk) {
     open(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
-    QSignalSpy details(&state, &AppState::detailChanged);
+    QSignalSpy details(&state, &AppState::progressChanged);
     phases.clear();
     state.start(*work.preferences);
     ASSERT_TRUE(reaches(Kind::finished)) << state.phase().message().toStdString();
     EXPECT_EQ(phases, (QList<Kind>{Kind::working, Kind::finished}));
     EXPECT_GE(details.count(), 3);
-    EXPECT_EQ(state.stage(), JobStage::done);
+    EXPECT_EQ(state.progress().stage, JobStage::done);
     ASSERT_TRUE(state.result());
     EXPECT_EQ(state.result()->outputURL, work.path(u"Movie.es.mkv"_s));
     EXPECT_EQ(state.result()->translatedCount, 3);
@@ -109,18 +109,16 @@ TEST_F(AppStateTest, CancellingKeepsTheFileAndTrackAndLeavesNothingBehind) {
     const QString video = work.video(u"Movie.mkv"_s, {track(u"fre"_s), track(u"eng"_s)});
     open(video);
     state.setSelectedTrack(2);
-    QSignalSpy stages(&state, &AppState::detailChanged);
+    QSignalSpy stages(&state, &AppState::progressChanged);
     state.start(*work.preferences);
     ASSERT_TRUE(stages.wait(patience));
     state.cancel();
     EXPECT_EQ(state.phase().kind(), Kind::ready);
-    EXPECT_EQ(state.detail(), QString());
-    EXPECT_EQ(state.progress(), std::nullopt);
+    EXPECT_EQ(state.progress(), JobUpdate{});
     ASSERT_TRUE(settles());
     // The late reports and end of the cancelled run changed nothing.
     EXPECT_EQ(state.phase().kind(), Kind::ready);
-    EXPECT_EQ(state.detail(), QString());
-    EXPECT_EQ(state.progress(), std::nullopt);
+    EXPECT_EQ(state.progress(), JobUpdate{});
     EXPECT_EQ(state.sourceURL(), video);
     EXPECT_EQ(state.selectedTrack(), 2);
     EXPECT_FALSE(state.result());
@@ -147,7 +145,7 @@ TEST_F(AppStateTest, ReportsQueuedBeforeACancelAreDropped) {
     ASSERT_TRUE(working);
     ASSERT_TRUE(settles());
     EXPECT_EQ(state.phase().kind(), Kind::ready);
-    EXPECT_EQ(state.detail(), QString());
+    EXPECT_EQ(state.progress(), JobUpdate{});
     EXPECT_EQ(work.entries(), QStringList{u"Movie.mkv"_s});
 }
 
@@ -186,7 +184,10 @@ TEST_F(AppStateTest, JobRefusalsAndEngineFailuresEndInTheFailedPhase) {
     open(spanish);
     state.start(*work.preferences);
     ASSERT_TRUE(reaches(Kind::failed));
-    EXPECT_EQ(state.phase().message(), JobError::alreadySpanish().description());
+    EXPECT_EQ(
+        state.phase().message(),
+        u"El archivo ya tiene subtítulos en español. Activá «Traducir igual» si querés hacerlo de "
+        "todos modos."_s);
 
     open(spanish);
     state.setForce(true);

@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QFileOpenEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
 #include <QProgressBar>
@@ -38,6 +39,8 @@
 #include "VeltoMKV/SettingsDialog.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
+#include "support/ChatCompletionsServer.h"
+#include "support/SecretService.h"
 
 using namespace velto;
 using namespace velto::AppTesting;
@@ -55,8 +58,11 @@ protected:
         : shell(
               std::make_unique<QSettings>(settingsFolder.filePath(u"VeltoMKV.ini"_s),
                                           QSettings::IniFormat),
-              [](const QString&) { return QString(); }, std::move(locateTools)) {
+              [this](const QString& account) { return keys.value(account); },
+              std::move(locateTools)) {
         QStandardPaths::setTestModeEnabled(true);
+        shell.preferences().setKeyWriter(
+            [this](const QString& key, const QString& account) { keys[account] = key; });
         shell.preferences().setProviderIDStorage(u"echo"_s);
         shell.preferences().setUseCache(false);
         shell.show();
@@ -105,6 +111,8 @@ protected:
 
     QTemporaryDir settingsFolder;
     Workspace work;
+    // The credential store, as the shell's preferences see it.
+    QHash<QString, QString> keys;
     AppShell shell;
 };
 
@@ -149,7 +157,7 @@ TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
 
     // The snapshot of work in progress is taken at the first report of the running job.
     bool working = false;
-    QObject::connect(&state(), &AppState::detailChanged, &window(), [&] {
+    QObject::connect(&state(), &AppState::progressChanged, &window(), [&] {
         if (!working && state().phase().kind() == Kind::working) {
             working = true;
             snapshot(u"working"_s);
@@ -173,6 +181,41 @@ TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
     EXPECT_EQ(window().currentPage(), window().dropZone());
 }
 
+// What every user of a hosted engine does first: paste the key in the settings, close them,
+// press Return. The WebM comes back beside itself as an MKV, a container the copy can be.
+TEST_F(MainWindowTest, AKeyPastedInTheSettingsUnlocksTheJobAndAWebMBecomesAnMkv) {
+    // The key field is open only where a credential store answers.
+    if (!test::usePrivateSecretService())
+        GTEST_SKIP() << "no private Secret Service: run through ctest";
+    test::ChatCompletionsServer server({});
+    Preferences& preferences = shell.preferences();
+    preferences.setProviderIDStorage(Provider::custom().id);
+    preferences.setBaseURL(server.baseUrl(), Provider::custom());
+    preferences.setModel(u"modelo-a"_s, Provider::custom());
+    openReady(work.video(u"Trailer.webm"_s, {track(u"eng"_s)}));
+    JobView* view = window().jobView();
+    EXPECT_EQ(view->outputLine()->text(), u"Trailer.es.mkv"_s);
+    EXPECT_FALSE(view->startButton()->isEnabled());
+
+    QTest::keyClick(&window(), Qt::Key_Comma, Qt::ControlModifier);
+    auto* settings = window().findChild<SettingsDialog*>();
+    ASSERT_TRUE(settings && settings->isVisible());
+    for (QLineEdit* field : settings->findChildren<QLineEdit*>()) {
+        if (field->accessibleName() == u"API key"_s && field->isVisible())
+            QTest::keyClicks(field, u"sk-prueba"_s);
+    }
+    for (QPushButton* button : settings->findChildren<QPushButton*>()) {
+        if (button->text() == u"Listo"_s)
+            QTest::mouseClick(button, Qt::LeftButton);
+    }
+    EXPECT_FALSE(settings->isVisible());
+    EXPECT_TRUE(view->startButton()->isEnabled()) << view->engineLine()->text().toStdString();
+    QTest::keyClick(&window(), Qt::Key_Return);
+    ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
+    EXPECT_EQ(server.completions(), 2) << "the connection check and one batch";
+    EXPECT_TRUE(QFileInfo::exists(work.path(u"Trailer.es.mkv"_s)));
+}
+
 TEST_F(MainWindowTest, EscapeCancelsAndTheFileAndChosenTrackStay) {
     openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s), track(u"fre"_s)}));
     QListWidget* tracks = window().jobView()->trackList();
@@ -180,7 +223,7 @@ TEST_F(MainWindowTest, EscapeCancelsAndTheFileAndChosenTrackStay) {
                       tracks->visualItemRect(tracks->item(1)).center());
     EXPECT_EQ(state().selectedTrack(), 3);
 
-    QSignalSpy reports(&state(), &AppState::detailChanged);
+    QSignalSpy reports(&state(), &AppState::progressChanged);
     QTest::mouseClick(window().jobView()->startButton(), Qt::LeftButton);
     ASSERT_TRUE(reports.wait(patience));
     QTest::keyClick(&window(), Qt::Key_Escape);
@@ -388,7 +431,7 @@ TEST_F(MainWindowTest, StrippingShowsItsCountAndClosingDuringAJobLeavesNothing) 
     QFile::remove(work.path(u"Movie.es.mkv"_s));
 
     openReady(work.path(u"Movie.mkv"_s));
-    QSignalSpy reports(&state(), &AppState::detailChanged);
+    QSignalSpy reports(&state(), &AppState::progressChanged);
     QTest::keyClick(&window(), Qt::Key_Return);
     ASSERT_TRUE(reports.wait(patience));
     window().close();
@@ -430,7 +473,10 @@ TEST_F(MainWindowTest, DarkPaletteScreenshots) {
     snapshot(u"ready-dark"_s);
     QTest::keyClick(&window(), Qt::Key_Return);
     ASSERT_TRUE(reaches(Kind::failed));
-    EXPECT_EQ(window().failureView()->message()->text(), JobError::alreadySpanish().description());
+    EXPECT_EQ(
+        window().failureView()->message()->text(),
+        u"El archivo ya tiene subtítulos en español. Activá «Traducir igual» si querés hacerlo de "
+        "todos modos."_s);
     snapshot(u"failed-dark"_s);
     QApplication::setPalette(light);
 }
