@@ -11,6 +11,7 @@
 #include <QFileOpenEvent>
 #include <QLabel>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QProgressBar>
 #include <QPushButton>
@@ -18,6 +19,7 @@
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 #include <QUrl>
 
@@ -119,6 +121,22 @@ TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
         << menuEntries.join(u'|').toStdString();
     EXPECT_TRUE(menuEntries.contains(u"Abrir… "_s + QKeySequence(QKeySequence::Open).toString()))
         << menuEntries.join(u'|').toStdString();
+    // «Acerca de VeltoMKV» shows the version the build was made with.
+    QString about;
+    QTimer closer;
+    QObject::connect(&closer, &QTimer::timeout, &window(), [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            about = box->text();
+            box->accept();
+        }
+    });
+    closer.start(0);
+    for (QAction* action : window().findChildren<QAction*>()) {
+        if (action->text() == u"Acerca de VeltoMKV"_s)
+            action->trigger();
+    }
+    closer.stop();
+    EXPECT_TRUE(about.contains(QStringLiteral("Versión " VELTO_VERSION))) << about.toStdString();
     EXPECT_EQ(window().currentPage(), window().dropZone());
     snapshot(u"idle"_s);
 
