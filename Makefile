@@ -1,7 +1,7 @@
 # Thin wrapper over the CMake presets. CI sets CI=true and gets the warnings-as-errors build.
 PRESET ?= $(if $(CI),ci,dev)
 
-.PHONY: all demo run test bench bootstrap clean
+.PHONY: all demo run test bench package bootstrap clean
 
 all: test
 
@@ -31,6 +31,14 @@ bench: bootstrap
 	cmake --preset bench
 	cmake --build --preset bench
 	bench/run build/bench
+
+# The Debian package from a Release build, then checked by lintian and the desktop's validators.
+package:
+	@scripts/bootstrap package
+	cmake --workflow --preset package
+	lintian --fail-on error build/package/veltomkv_*.deb
+	desktop-file-validate VeltoMKV/desktop/veltomkv.desktop
+	appstreamcli validate --no-net build/package/packaging/org.veltomkv.veltomkv.metainfo.xml
 
 clean:
 	rm -rf build

@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileDialog>
@@ -112,6 +113,9 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     quit->setMenuRole(QAction::QuitRole);
     QMenu* helpMenu = menuBar()->addMenu(QStringLiteral("Ay&uda"));
     helpMenu->addAction(QStringLiteral("Ayuda de VeltoMKV"), this, &MainWindow::showHelp);
+    QAction* about =
+        helpMenu->addAction(QStringLiteral("Acerca de VeltoMKV"), this, &MainWindow::showAbout);
+    about->setMenuRole(QAction::AboutRole);
 
     // Return is the phase's main button, Escape stops a running job.
     for (auto key : {Qt::Key_Return, Qt::Key_Enter}) {
@@ -256,6 +260,15 @@ void MainWindow::showHelp() {
                        "ffmpeg.org</a>.</p>"));
     help.setTextInteractionFlags(Qt::TextBrowserInteraction);
     help.exec();
+}
+
+void MainWindow::showAbout() {
+    QMessageBox::about(
+        this, QStringLiteral("Acerca de VeltoMKV"),
+        QStringLiteral("<p><b>VeltoMKV</b></p><p>Versión ") +
+            QCoreApplication::applicationVersion() +
+            QStringLiteral("</p><p>Agrega a tus videos una pista de subtítulos en español, "
+                           "traducida con el motor que elijas.</p>"));
 }
 
 void MainWindow::returnPressed() {

@@ -52,6 +52,7 @@ private:
     void takePendingFile();
     void presentSettings(bool presented);
     void showHelp();
+    void showAbout();
     void returnPressed();
     bool acceptsFiles() const;
 

@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QProgressBar>
 #include <QPushButton>
@@ -19,6 +20,7 @@
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 #include <QUrl>
 
@@ -179,6 +181,23 @@ TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
     QTest::mouseClick(result->anotherButton(), Qt::LeftButton);
     EXPECT_EQ(state().phase().kind(), Kind::idle);
     EXPECT_EQ(window().currentPage(), window().dropZone());
+
+    // «Acerca de VeltoMKV» shows the version the build was made with.
+    QString about;
+    QTimer closer;
+    QObject::connect(&closer, &QTimer::timeout, &window(), [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            about = box->text();
+            box->accept();
+        }
+    });
+    closer.start(0);
+    for (QAction* action : window().findChildren<QAction*>()) {
+        if (action->text() == u"Acerca de VeltoMKV"_s)
+            action->trigger();
+    }
+    closer.stop();
+    EXPECT_TRUE(about.contains(QStringLiteral("Versión " VELTO_VERSION))) << about.toStdString();
 }
 
 // What every user of a hosted engine does first: paste the key in the settings, close them,
