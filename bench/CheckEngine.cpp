@@ -24,21 +24,26 @@ std::shared_ptr<const TranslationBackend> makeBackend(const QString& engine) {
     const std::shared_ptr<HttpClient> http = HttpClient::shared();
     if (engine == u"anthropic") {
         return std::make_shared<AnthropicBackend>(
-            environment("ANTHROPIC_API_KEY"),
-            environment("ANTHROPIC_MODEL", AnthropicBackend::defaultModel()),
-            AnthropicBackend::Effort::low, 16000, 300, http);
+            HttpBackend::Settings{environment("ANTHROPIC_API_KEY"),
+                                  environment("ANTHROPIC_MODEL", AnthropicBackend::defaultModel()),
+                                  AnthropicBackend::publicBaseUrl(), 300, http},
+            AnthropicBackend::Effort::low, 16000);
     }
     if (engine == u"openai") {
         return std::make_shared<OpenAICompatibleBackend>(
-            environment("OPENAI_BASE_URL", QStringLiteral("https://api.openai.com/v1")),
-            environment("OPENAI_MODEL", QStringLiteral("gpt-4o-mini")),
-            environment("OPENAI_API_KEY"), QStringLiteral("OpenAI"), 0.3, 600, http);
+            HttpBackend::Settings{
+                environment("OPENAI_API_KEY"),
+                environment("OPENAI_MODEL", QStringLiteral("gpt-4o-mini")),
+                environment("OPENAI_BASE_URL", QStringLiteral("https://api.openai.com/v1")), 600,
+                http},
+            QStringLiteral("OpenAI"), 0.3);
     }
     if (engine == u"gemini") {
         return std::make_shared<GeminiBackend>(
-            environment("GEMINI_API_KEY"),
-            environment("GEMINI_MODEL", QStringLiteral("gemini-2.5-flash")),
-            GeminiBackend::publicBaseUrl(), 0.3, 16000, 300, http);
+            HttpBackend::Settings{environment("GEMINI_API_KEY"),
+                                  environment("GEMINI_MODEL", QStringLiteral("gemini-2.5-flash")),
+                                  GeminiBackend::publicBaseUrl(), 300, http},
+            0.3, 16000);
     }
     return nullptr;
 }

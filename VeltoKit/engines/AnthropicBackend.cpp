@@ -2,62 +2,41 @@
 
 #include <QHashFunctions>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
+#include "VeltoKit/engines/HttpService.h"
 #include "VeltoKit/engines/JsonReader.h"
-#include "VeltoKit/translation/TranslationError.h"
 
 namespace velto {
 
 namespace {
 
-constexpr int attempts = 4;
-
-TranslationError statusError(int status, const QString& detail) {
-    const QString code = QString::number(status);
-    switch (status) {
-    case 400:
-        return {QStringLiteral("Pedido inválido (400): ") + detail, true};
-    case 401:
-    case 403:
-        return {QStringLiteral("La API key fue rechazada (") + code + QStringLiteral("): ") +
-                    detail,
-                true};
-    case 404:
-        return {QStringLiteral("Modelo no encontrado (404): ") + detail, true};
-    case 429:
-    case 500:
-    case 502:
-    case 503:
-    case 529:
-        return {QStringLiteral("El servicio está saturado (") + code + QStringLiteral("): ") +
-                    detail,
-                false};
-    default:
-        return {QStringLiteral("Error ") + code + QStringLiteral(": ") + detail, false};
-    }
-}
-
-QString answerOf(const HttpResponse& response) {
-    if (response.status != 200) {
-        throw statusError(response.status,
-                          JsonReader::apiErrorMessage(response.body).value_or(response.text(300)));
-    }
-    const JsonReader reply = JsonReader::parse(response.body);
-    QString text;
-    for (const JsonReader& block : reply.objects(u"content")) {
-        if (block.requiredString(u"type") == u"text")
-            text += block.string(u"text").value_or(QString());
-    }
-    if (reply.string(u"stop_reason") == QStringLiteral("refusal")) {
-        throw TranslationError(
-            QStringLiteral("El modelo declinó traducir este fragmento. Probá con otro modelo."),
-            false);
-    }
-    if (text.trimmed().isEmpty())
-        throw TranslationError(QStringLiteral("La API devolvió una respuesta vacía."), false);
-    return text;
+const HttpService& anthropic() {
+    static const QList<StatusWording> answerStatuses{
+        {{400}, TranslationError::fatal, u"Pedido inválido (400): "},
+        {{401, 403}, TranslationError::fatal, u"La API key fue rechazada ({status}): "},
+        {{404}, TranslationError::fatal, u"Modelo no encontrado (404): "},
+        {{429, 500, 502, 503, 529},
+         TranslationError::transient,
+         u"El servicio está saturado ({status}): "},
+        {{}, TranslationError::transient, u"Error {status}: "},
+    };
+    static const HttpService service{
+        .attempts = 4,
+        .keyHeader = "x-api-key",
+        .fixedHeaders = {{"anthropic-version", "2023-06-01"}},
+        .invalidAddress = QStringLiteral("La dirección de Anthropic no es válida."),
+        .emptyAnswer = QStringLiteral("La API devolvió una respuesta vacía."),
+        .answerFailures = {.quotesServiceMessage = true,
+                           .bodyCharacters = 300,
+                           .statuses = answerStatuses},
+        .listingTimeout = 20,
+        .listingFailures = {.bodyCharacters = 200,
+                            .statuses = {{{},
+                                          TranslationError::fatal,
+                                          u"Anthropic no devolvió los modelos ({status}): "}}},
+    };
+    return service;
 }
 
 } // namespace
@@ -138,29 +117,33 @@ QString AnthropicBackend::missingKeyMessage(PlatformText::System system) {
            PlatformText::keychainName(system) + u'.';
 }
 
-AnthropicBackend::AnthropicBackend(QString apiKey, QString model, Effort effort, int maxTokens,
-                                   double timeout, std::shared_ptr<HttpClient> http,
-                                   Retry::Wait wait, QString baseUrl)
-    : m_apiKey(std::move(apiKey))
-    , m_model(std::move(model))
+AnthropicBackend::AnthropicBackend(Settings settings, Effort effort, int maxTokens)
+    : HttpBackend(std::move(settings), anthropic())
     , m_effort(effort)
-    , m_maxTokens(maxTokens)
-    , m_timeout(timeout)
-    , m_http(std::move(http))
-    , m_wait(std::move(wait))
-    , m_baseUrl(std::move(baseUrl)) {}
+    , m_maxTokens(maxTokens) {}
+
+QStringList AnthropicBackend::listModels(const QString& apiKey, const QString& baseUrl,
+                                         HttpClient& http, std::stop_token stop) {
+    if (apiKey.isEmpty())
+        throw TranslationError::fatal(QStringLiteral("Cargá primero la API key de Anthropic."));
+    const QUrl url = anthropic().address(baseUrl, QStringLiteral("/models?limit=100"));
+    return sortedIds(anthropic().fetchListing(url, apiKey, http, stop));
+}
 
 QString AnthropicBackend::label() const {
     return QStringLiteral("API de Anthropic");
 }
 
 QString AnthropicBackend::cacheScope() const {
-    return label() + u'|' + m_model + u'|' + rawValue(m_effort);
+    return label() + u'|' + model() + u'|' + rawValue(m_effort);
 }
 
-HttpRequest AnthropicBackend::request(const QString& system, const QString& prompt) const {
+QString AnthropicBackend::complete(const QString& system, const QString& prompt,
+                                   std::stop_token stop) const {
+    if (apiKey().isEmpty())
+        throw TranslationError::fatal(missingKeyMessage());
     const QJsonObject body{
-        {QStringLiteral("model"), m_model},
+        {QStringLiteral("model"), model()},
         {QStringLiteral("max_tokens"), m_maxTokens},
         {QStringLiteral("system"), system},
         {QStringLiteral("output_config"),
@@ -169,24 +152,20 @@ HttpRequest AnthropicBackend::request(const QString& system, const QString& prom
          QJsonArray{QJsonObject{{QStringLiteral("role"), QStringLiteral("user")},
                                 {QStringLiteral("content"), prompt}}}},
     };
-    HttpRequest request;
-    request.method = HttpMethod::post;
-    request.url = QUrl(trimBaseAddress(m_baseUrl) + QStringLiteral("/messages"));
-    request.timeoutSeconds = m_timeout;
-    request.headers = {{"Content-Type", "application/json"},
-                       {"x-api-key", m_apiKey.toUtf8()},
-                       {"anthropic-version", "2023-06-01"}};
-    request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
-    return request;
+    return post(QStringLiteral("/messages"), body, stop);
 }
 
-QString AnthropicBackend::complete(const QString& system, const QString& prompt,
-                                   std::stop_token stop) const {
-    if (m_apiKey.isEmpty())
-        throw TranslationError(missingKeyMessage(), true);
-    const HttpRequest exchange = request(system, prompt);
-    return Retry::withBackoff(
-        attempts, [&](int) { return answerOf(m_http->send(exchange, stop)); }, stop, m_wait);
+QString AnthropicBackend::answerOf(const JsonReader& reply) const {
+    QString text;
+    for (const JsonReader& block : reply.objects(u"content")) {
+        if (block.requiredString(u"type") == u"text")
+            text += block.string(u"text").value_or(QString());
+    }
+    if (reply.string(u"stop_reason") == QStringLiteral("refusal")) {
+        throw TranslationError::transient(
+            QStringLiteral("El modelo declinó traducir este fragmento. Probá con otro modelo."));
+    }
+    return text;
 }
 
 size_t qHash(const AnthropicBackend::Model& model, size_t seed) {

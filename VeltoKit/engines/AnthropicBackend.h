@@ -1,22 +1,20 @@
 #pragma once
 
-#include <memory>
 #include <optional>
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 
-#include "VeltoKit/engines/HttpClient.h"
-#include "VeltoKit/engines/Retry.h"
+#include "VeltoKit/engines/HttpBackend.h"
 #include "VeltoKit/platform/PlatformText.h"
-#include "VeltoKit/translation/TranslationBackend.h"
 
 namespace velto {
 
 // The Anthropic Messages API. One complete() is one POST to /v1/messages, tried up to four
 // times.
-class AnthropicBackend : public TranslationBackend {
+class AnthropicBackend : public HttpBackend {
 public:
     enum class Effort { low, medium, high, xhigh, max };
 
@@ -43,33 +41,26 @@ public:
 
     static QString missingKeyMessage(PlatformText::System system = PlatformText::current());
 
-    // `baseUrl` is the public endpoint except in tests.
-    AnthropicBackend(QString apiKey, QString model, Effort effort, int maxTokens, double timeout,
-                     std::shared_ptr<HttpClient> http, Retry::Wait wait = Retry::cancellableWait,
-                     QString baseUrl = publicBaseUrl());
+    // The base address is the public endpoint except in tests.
+    AnthropicBackend(Settings settings, Effort effort, int maxTokens);
+
+    // The identifiers of the first page of models the key may use, sorted.
+    static QStringList listModels(const QString& apiKey, const QString& baseUrl, HttpClient& http,
+                                  std::stop_token stop);
 
     QString label() const override;
     QString cacheScope() const override;
     QString complete(const QString& system, const QString& prompt,
                      std::stop_token stop) const override;
 
-    QString apiKey() const { return m_apiKey; }
-    QString model() const { return m_model; }
     Effort effort() const { return m_effort; }
     int maxTokens() const { return m_maxTokens; }
-    double timeout() const { return m_timeout; }
 
 private:
-    HttpRequest request(const QString& system, const QString& prompt) const;
+    QString answerOf(const JsonReader& reply) const override;
 
-    QString m_apiKey;
-    QString m_model;
     Effort m_effort;
     int m_maxTokens;
-    double m_timeout;
-    std::shared_ptr<HttpClient> m_http;
-    Retry::Wait m_wait;
-    QString m_baseUrl;
 };
 
 size_t qHash(const AnthropicBackend::Model& model, size_t seed = 0);

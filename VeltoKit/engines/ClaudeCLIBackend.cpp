@@ -82,9 +82,9 @@ std::optional<QString> preferredBinary(const QString& preferredPath) {
 TranslationError exitFailure(const ProcessResult& result) {
     // A signal's number is no exit code, and a killed program leaves no detail to quote.
     if (result.killed) {
-        return {QStringLiteral("claude se cortó antes de terminar: lo detuvo la señal ") +
-                    QString::number(result.status) + u'.',
-                false};
+        return TranslationError::transient(
+            QStringLiteral("claude se cortó antes de terminar: lo detuvo la señal ") +
+            QString::number(result.status) + u'.');
     }
     const QString& output =
         result.standardError.isEmpty() ? result.standardOutput : result.standardError;
@@ -92,14 +92,13 @@ TranslationError exitFailure(const ProcessResult& result) {
     const QString lowered = detail.toLower();
     for (const KnownFailure& known : knownFailures) {
         if (lowered.contains(known.needle)) {
-            return {known.message.toString() + u'\n' + loginAdvice +
-                        QStringLiteral("\n\nDetalle: ") + detail,
-                    true};
+            return TranslationError::fatal(known.message.toString() + u'\n' + loginAdvice +
+                                           QStringLiteral("\n\nDetalle: ") + detail);
         }
     }
-    return {QStringLiteral("claude terminó con código ") + QString::number(result.status) +
-                QStringLiteral(": ") + detail,
-            false};
+    return TranslationError::transient(QStringLiteral("claude terminó con código ") +
+                                       QString::number(result.status) + QStringLiteral(": ") +
+                                       detail);
 }
 
 } // namespace
@@ -163,15 +162,15 @@ QString ClaudeCLIBackend::complete(const QString& system, const QString& prompt,
         result = Shell::run(m_binary, arguments(system), options, std::move(stop));
     } catch (const VeltoError& error) {
         // Cancelled is no VeltoError and passes through as it is: a cancel is never a failure.
-        throw TranslationError(
-            QStringLiteral("No pude ejecutar el CLI de Claude: ") + error.description(), false);
+        throw TranslationError::transient(QStringLiteral("No pude ejecutar el CLI de Claude: ") +
+                                          error.description());
     }
     if (result.status != 0)
         throw exitFailure(result);
     QString answer = result.standardOutput.trimmed();
     if (answer.isEmpty())
-        throw TranslationError(QStringLiteral("El CLI de Claude devolvió una respuesta vacía."),
-                               false);
+        throw TranslationError::transient(
+            QStringLiteral("El CLI de Claude devolvió una respuesta vacía."));
     return answer;
 }
 

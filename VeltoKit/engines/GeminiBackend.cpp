@@ -3,44 +3,42 @@
 #include <algorithm>
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
+#include "VeltoKit/engines/HttpService.h"
 #include "VeltoKit/engines/JsonReader.h"
-#include "VeltoKit/translation/TranslationError.h"
 
 namespace velto {
 
 namespace {
 
-constexpr int attempts = 4;
-constexpr double listingTimeout = 60;
-
-TranslationError statusError(int status, const QString& detail) {
-    const QString code = QString::number(status);
-    switch (status) {
-    case 400:
+const HttpService& gemini() {
+    static const QList<StatusWording> answerStatuses{
         // The service reports an invalid key as a bad request.
-        if (detail.toLower().contains(QStringLiteral("api key")))
-            return {QStringLiteral("La API key de Gemini fue rechazada: ") + detail, true};
-        [[fallthrough]];
-    case 404:
-        return {QStringLiteral("Gemini rechazó el pedido (") + code + QStringLiteral("): ") +
-                    detail,
-                true};
-    case 401:
-    case 403:
-        return {QStringLiteral("La API key de Gemini no tiene permiso (") + code +
-                    QStringLiteral("): ") + detail,
-                true};
-    case 429:
-    case 500:
-    case 503:
-        return {QStringLiteral("Gemini está saturado (") + code + QStringLiteral("): ") + detail,
-                false};
-    default:
-        return {QStringLiteral("Error ") + code + QStringLiteral(" de Gemini: ") + detail, false};
-    }
+        {{400}, TranslationError::fatal, u"La API key de Gemini fue rechazada: ", u"api key"},
+        {{400, 404}, TranslationError::fatal, u"Gemini rechazó el pedido ({status}): "},
+        {{401, 403},
+         TranslationError::fatal,
+         u"La API key de Gemini no tiene permiso ({status}): "},
+        {{429, 500, 503}, TranslationError::transient, u"Gemini está saturado ({status}): "},
+        {{}, TranslationError::transient, u"Error {status} de Gemini: "},
+    };
+    static const HttpService service{
+        .attempts = 4,
+        // The key travels in a header, never in the address, so it stays out of logs.
+        .keyHeader = "x-goog-api-key",
+        .invalidAddress = QStringLiteral("La dirección de Gemini no es válida."),
+        .emptyAnswer = QStringLiteral("Gemini devolvió una respuesta vacía."),
+        .answerFailures = {.quotesServiceMessage = true,
+                           .bodyCharacters = 300,
+                           .statuses = answerStatuses},
+        .listingTimeout = 60,
+        .listingFailures =
+            {.quotesServiceMessage = true,
+             .unreadable = QStringLiteral("no pude leer la lista"),
+             .statuses = {{{}, TranslationError::fatal, u"Gemini no devolvió los modelos: "}}},
+    };
+    return service;
 }
 
 QJsonArray textParts(const QString& text) {
@@ -58,39 +56,6 @@ QJsonArray permissiveSafetySettings() {
                                     {QStringLiteral("threshold"), QStringLiteral("BLOCK_NONE")}});
     }
     return settings;
-}
-
-QString answerOf(const HttpResponse& response) {
-    if (response.status != 200) {
-        throw statusError(response.status,
-                          JsonReader::apiErrorMessage(response.body).value_or(response.text(300)));
-    }
-    const JsonReader reply = JsonReader::parse(response.body);
-    const QList<JsonReader> candidates = reply.objects(u"candidates");
-    const std::optional<JsonReader> feedback = reply.object(u"promptFeedback");
-    if (const auto blockReason = feedback ? feedback->string(u"blockReason") : std::nullopt) {
-        throw TranslationError(QStringLiteral("Gemini bloqueó este fragmento (") + *blockReason +
-                                   QStringLiteral("). Probá con otro modelo o motor."),
-                               false);
-    }
-    if (candidates.isEmpty())
-        throw TranslationError(QStringLiteral("Gemini no devolvió ninguna respuesta."), false);
-    const JsonReader& first = candidates.first();
-    const std::optional<QString> finishReason = first.string(u"finishReason");
-    // A cut answer is still worth having: the translator notices the missing blocks.
-    if (finishReason && *finishReason != u"STOP" && *finishReason != u"MAX_TOKENS") {
-        throw TranslationError(QStringLiteral("Gemini cortó la respuesta (") + *finishReason +
-                                   QStringLiteral(")."),
-                               false);
-    }
-    QString text;
-    if (const std::optional<JsonReader> content = first.object(u"content")) {
-        for (const JsonReader& part : content->objects(u"parts"))
-            text += part.string(u"text").value_or(QString());
-    }
-    if (text.trimmed().isEmpty())
-        throw TranslationError(QStringLiteral("Gemini devolvió una respuesta vacía."), false);
-    return text;
 }
 
 QStringList generativeModels(const HttpResponse& response) {
@@ -117,28 +82,27 @@ QString GeminiBackend::keyPageUrl() {
     return QStringLiteral("https://aistudio.google.com/apikey");
 }
 
-GeminiBackend::GeminiBackend(QString apiKey, QString model, QString baseUrl, double temperature,
-                             int maxOutputTokens, double timeout, std::shared_ptr<HttpClient> http,
-                             Retry::Wait wait)
-    : m_apiKey(std::move(apiKey))
-    , m_model(std::move(model))
-    , m_baseUrl(trimBaseAddress(baseUrl))
+GeminiBackend::GeminiBackend(Settings settings, double temperature, int maxOutputTokens)
+    : HttpBackend(std::move(settings), gemini())
     , m_temperature(temperature)
-    , m_maxOutputTokens(maxOutputTokens)
-    , m_timeout(timeout)
-    , m_http(std::move(http))
-    , m_wait(std::move(wait)) {}
+    , m_maxOutputTokens(maxOutputTokens) {}
 
 QString GeminiBackend::label() const {
     return QStringLiteral("Google Gemini");
 }
 
 QString GeminiBackend::cacheScope() const {
-    return label() + u'|' + m_model;
+    return label() + u'|' + model();
 }
 
-HttpRequest GeminiBackend::request(const QUrl& address, const QString& system,
-                                   const QString& prompt) const {
+QString GeminiBackend::complete(const QString& system, const QString& prompt,
+                                std::stop_token stop) const {
+    if (apiKey().isEmpty()) {
+        throw TranslationError::fatal(QStringLiteral("Falta la API key de Gemini. Sacala de ") +
+                                      keyPageUrl() + QStringLiteral(" y cargala en Ajustes."));
+    }
+    if (model().isEmpty())
+        throw TranslationError::fatal(QStringLiteral("Elegí un modelo de Gemini en Ajustes."));
     const QJsonObject body{
         {QStringLiteral("systemInstruction"),
          QJsonObject{{QStringLiteral("parts"), textParts(system)}}},
@@ -150,62 +114,51 @@ HttpRequest GeminiBackend::request(const QUrl& address, const QString& system,
                      {QStringLiteral("maxOutputTokens"), m_maxOutputTokens}}},
         {QStringLiteral("safetySettings"), permissiveSafetySettings()},
     };
-    HttpRequest request;
-    request.method = HttpMethod::post;
-    request.url = address;
-    request.timeoutSeconds = m_timeout;
-    // The key travels in a header, never in the address, so it stays out of logs.
-    request.headers = {{"Content-Type", "application/json"}, {"x-goog-api-key", m_apiKey.toUtf8()}};
-    request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
-    return request;
+    return post(QStringLiteral("/models/") + model() + QStringLiteral(":generateContent"), body,
+                stop);
 }
 
-QString GeminiBackend::complete(const QString& system, const QString& prompt,
-                                std::stop_token stop) const {
-    if (m_apiKey.isEmpty()) {
-        throw TranslationError(QStringLiteral("Falta la API key de Gemini. Sacala de ") +
-                                   keyPageUrl() + QStringLiteral(" y cargala en Ajustes."),
-                               true);
+QString GeminiBackend::answerOf(const JsonReader& reply) const {
+    const QList<JsonReader> candidates = reply.objects(u"candidates");
+    const std::optional<JsonReader> feedback = reply.object(u"promptFeedback");
+    if (const auto blockReason = feedback ? feedback->string(u"blockReason") : std::nullopt) {
+        throw TranslationError::transient(QStringLiteral("Gemini bloqueó este fragmento (") +
+                                          *blockReason +
+                                          QStringLiteral("). Probá con otro modelo o motor."));
     }
-    if (m_model.isEmpty())
-        throw TranslationError(QStringLiteral("Elegí un modelo de Gemini en Ajustes."), true);
-    const QUrl address(m_baseUrl + QStringLiteral("/models/") + m_model +
-                           QStringLiteral(":generateContent"),
-                       QUrl::StrictMode);
-    if (!isHttpAddress(address))
-        throw TranslationError(QStringLiteral("La dirección de Gemini no es válida."), true);
-    const HttpRequest exchange = request(address, system, prompt);
-    return Retry::withBackoff(
-        attempts, [&](int) { return answerOf(m_http->send(exchange, stop)); }, stop, m_wait);
+    if (candidates.isEmpty())
+        throw TranslationError::transient(QStringLiteral("Gemini no devolvió ninguna respuesta."));
+    const JsonReader& first = candidates.first();
+    const std::optional<QString> finishReason = first.string(u"finishReason");
+    // A cut answer is still worth having: the translator notices the missing blocks.
+    if (finishReason && *finishReason != u"STOP" && *finishReason != u"MAX_TOKENS") {
+        throw TranslationError::transient(QStringLiteral("Gemini cortó la respuesta (") +
+                                          *finishReason + QStringLiteral(")."));
+    }
+    QString text;
+    if (const std::optional<JsonReader> content = first.object(u"content")) {
+        for (const JsonReader& part : content->objects(u"parts"))
+            text += part.string(u"text").value_or(QString());
+    }
+    return text;
 }
 
 QStringList GeminiBackend::listModels(const QString& apiKey, const QString& baseUrl,
                                       HttpClient& http, std::stop_token stop) {
-    const auto failure = [](const QString& detail) {
-        return TranslationError(QStringLiteral("Gemini no devolvió los modelos: ") + detail, true);
-    };
-    const QString unreadable = QStringLiteral("no pude leer la lista");
+    const FailureWording& failed = gemini().listingFailures;
     if (apiKey.isEmpty())
-        throw TranslationError(QStringLiteral("Cargá primero la API key de Gemini."), true);
-    HttpRequest request;
-    request.url =
-        QUrl(trimBaseAddress(baseUrl) + QStringLiteral("/models?pageSize=200"), QUrl::StrictMode);
-    if (!isHttpAddress(request.url))
-        throw TranslationError(QStringLiteral("La dirección de Gemini no es válida."), true);
-    request.timeoutSeconds = listingTimeout;
-    request.headers = {{"x-goog-api-key", apiKey.toUtf8()}};
+        throw TranslationError::fatal(QStringLiteral("Cargá primero la API key de Gemini."));
+    const QUrl url = gemini().address(baseUrl, QStringLiteral("/models?pageSize=200"));
     HttpResponse response;
     try {
-        response = http.send(request, stop);
+        response = gemini().fetchListing(url, apiKey, http, stop);
     } catch (const HttpError& error) {
-        throw failure(error.description());
+        throw failed.errorFor(0, error.description());
     }
-    if (response.status != 200)
-        throw failure(JsonReader::apiErrorMessage(response.body).value_or(unreadable));
     try {
         return generativeModels(response);
     } catch (const JsonError&) {
-        throw failure(unreadable);
+        throw failed.errorFor(response.status, failed.unreadable);
     }
 }
 

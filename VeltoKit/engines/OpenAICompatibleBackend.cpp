@@ -1,65 +1,49 @@
 #include "VeltoKit/engines/OpenAICompatibleBackend.h"
 
-#include <algorithm>
-
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
 
+#include "VeltoKit/engines/HttpService.h"
 #include "VeltoKit/engines/JsonReader.h"
-#include "VeltoKit/translation/TranslationError.h"
 
 namespace velto {
 
 namespace {
 
-constexpr int attempts = 3;
-constexpr double listingTimeout = 60;
-
-TranslationError invalidAddress() {
-    return {QStringLiteral("La dirección del servidor no es válida."), true};
+const HttpService& openAICompatible() {
+    static const QList<StatusWording> answerStatuses{
+        {{400}, TranslationError::fatal, u"Pedido inválido (400): "},
+        {{401, 403}, TranslationError::fatal, u"La API key fue rechazada ({status}): "},
+        {{404}, TranslationError::fatal, u"El servidor no reconoce el modelo «{model}» (404). "},
+        {{429, 500, 502, 503},
+         TranslationError::transient,
+         u"El servicio está saturado ({status}): "},
+        {{}, TranslationError::transient, u"El servidor devolvió {status}: "},
+    };
+    static const HttpService service{
+        .attempts = 3,
+        .keyHeader = "Authorization",
+        .keyPrefix = "Bearer ",
+        .invalidAddress = QStringLiteral("La dirección del servidor no es válida."),
+        .emptyAnswer = QStringLiteral("El modelo local devolvió una respuesta vacía."),
+        .answerFailures = {.bodyCharacters = 300, .statuses = answerStatuses},
+        .listingTimeout = 60,
+        .listingFailures =
+            {.statuses = {{{},
+                           TranslationError::fatal,
+                           u"El servidor respondió con un error al listar modelos."}}},
+    };
+    return service;
 }
 
 TranslationError unreachable(const QString& baseUrl) {
     const bool local = baseUrl.contains(QStringLiteral("localhost")) ||
                        baseUrl.contains(QStringLiteral("127.0.0.1"));
-    return {QStringLiteral("No pude conectarme a ") + baseUrl +
-                (local ? QStringLiteral(". ¿Está corriendo el servidor local?")
-                       : QStringLiteral(". Revisá la dirección y tu conexión.")),
-            true};
-}
-
-void authorize(HttpRequest& request, const QString& apiKey) {
-    if (!apiKey.isEmpty())
-        request.headers.append({"Authorization", "Bearer " + apiKey.toUtf8()});
-}
-
-TranslationError statusError(int status, const QString& detail, const QString& model) {
-    const QString code = QString::number(status);
-    switch (status) {
-    case 400:
-        return {QStringLiteral("Pedido inválido (400): ") + detail, true};
-    case 401:
-    case 403:
-        return {QStringLiteral("La API key fue rechazada (") + code + QStringLiteral("): ") +
-                    detail,
-                true};
-    case 404:
-        return {QStringLiteral("El servidor no reconoce el modelo «") + model +
-                    QStringLiteral("» (404). ") + detail,
-                true};
-    case 429:
-    case 500:
-    case 502:
-    case 503:
-        return {QStringLiteral("El servicio está saturado (") + code + QStringLiteral("): ") +
-                    detail,
-                false};
-    default:
-        return {QStringLiteral("El servidor devolvió ") + code + QStringLiteral(": ") + detail,
-                false};
-    }
+    return TranslationError::fatal(QStringLiteral("No pude conectarme a ") + baseUrl +
+                                   (local
+                                        ? QStringLiteral(". ¿Está corriendo el servidor local?")
+                                        : QStringLiteral(". Revisá la dirección y tu conexión.")));
 }
 
 // Reasoning models served locally put their thinking before the answer.
@@ -71,30 +55,26 @@ QString withoutThinking(QString text) {
 
 } // namespace
 
-OpenAICompatibleBackend::OpenAICompatibleBackend(QString baseUrl, QString model, QString apiKey,
-                                                 QString label, double temperature, double timeout,
-                                                 std::shared_ptr<HttpClient> http, Retry::Wait wait)
-    : m_baseUrl(trimBaseAddress(baseUrl))
-    , m_model(std::move(model))
-    , m_apiKey(std::move(apiKey))
+OpenAICompatibleBackend::OpenAICompatibleBackend(Settings settings, QString label,
+                                                 double temperature)
+    : HttpBackend(std::move(settings), openAICompatible())
     , m_label(std::move(label))
-    , m_temperature(temperature)
-    , m_timeout(timeout)
-    , m_http(std::move(http))
-    , m_wait(std::move(wait)) {}
+    , m_temperature(temperature) {}
 
 QString OpenAICompatibleBackend::label() const {
     return m_label;
 }
 
 QString OpenAICompatibleBackend::cacheScope() const {
-    return label() + u'|' + trimBaseAddress(m_baseUrl) + u'|' + m_model;
+    return label() + u'|' + baseUrl() + u'|' + model();
 }
 
-HttpRequest OpenAICompatibleBackend::request(const QUrl& address, const QString& system,
-                                             const QString& prompt) const {
+QString OpenAICompatibleBackend::complete(const QString& system, const QString& prompt,
+                                          std::stop_token stop) const {
+    if (model().isEmpty())
+        throw TranslationError::fatal(QStringLiteral("Elegí un modelo en Ajustes."));
     const QJsonObject body{
-        {QStringLiteral("model"), m_model},
+        {QStringLiteral("model"), model()},
         {QStringLiteral("temperature"), m_temperature},
         {QStringLiteral("stream"), false},
         {QStringLiteral("messages"),
@@ -103,79 +83,34 @@ HttpRequest OpenAICompatibleBackend::request(const QUrl& address, const QString&
                     QJsonObject{{QStringLiteral("role"), QStringLiteral("user")},
                                 {QStringLiteral("content"), prompt}}}},
     };
-    HttpRequest request;
-    request.method = HttpMethod::post;
-    request.url = address;
-    request.timeoutSeconds = m_timeout;
-    request.headers = {{"Content-Type", "application/json"}};
-    authorize(request, m_apiKey);
-    request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
-    return request;
+    return post(QStringLiteral("/chat/completions"), body, stop);
 }
 
-QString OpenAICompatibleBackend::answerOf(const HttpResponse& response) const {
-    if (response.status != 200)
-        throw statusError(response.status, response.text(300), m_model);
-    const JsonReader reply = JsonReader::parse(response.body);
+QString OpenAICompatibleBackend::answerOf(const JsonReader& reply) const {
     const QList<JsonReader> choices = reply.objects(u"choices");
     std::optional<JsonReader> message;
     if (!choices.isEmpty())
         message = choices.first().object(u"message");
-    const QString text =
-        withoutThinking(message ? message->string(u"content").value_or(QString()) : QString());
-    if (text.trimmed().isEmpty()) {
-        throw TranslationError(QStringLiteral("El modelo local devolvió una respuesta vacía."),
-                               false);
-    }
-    return text;
+    return withoutThinking(message ? message->string(u"content").value_or(QString()) : QString());
 }
 
-QString OpenAICompatibleBackend::complete(const QString& system, const QString& prompt,
-                                          std::stop_token stop) const {
-    if (m_model.isEmpty())
-        throw TranslationError(QStringLiteral("Elegí un modelo en Ajustes."), true);
-    const QUrl address(m_baseUrl + QStringLiteral("/chat/completions"), QUrl::StrictMode);
-    if (!isHttpAddress(address))
-        throw invalidAddress();
-    const HttpRequest exchange = request(address, system, prompt);
-    return Retry::withBackoff(
-        attempts,
-        [&](int) {
-            HttpResponse response;
-            try {
-                response = m_http->send(exchange, stop);
-            } catch (const HttpError&) {
-                throw unreachable(m_baseUrl);
-            }
-            return answerOf(response);
-        },
-        stop, m_wait);
+// Whatever kept the server from answering, trying again at once will not change it.
+HttpResponse OpenAICompatibleBackend::send(const HttpRequest& request, std::stop_token stop) const {
+    try {
+        return HttpBackend::send(request, stop);
+    } catch (const HttpError&) {
+        throw unreachable(baseUrl());
+    }
 }
 
 QStringList OpenAICompatibleBackend::listModels(const QString& baseUrl, const QString& apiKey,
                                                 HttpClient& http, std::stop_token stop) {
-    const QString base = trimBaseAddress(baseUrl);
-    HttpRequest request;
-    request.url = QUrl(base + QStringLiteral("/models"), QUrl::StrictMode);
-    if (!isHttpAddress(request.url))
-        throw invalidAddress();
-    request.timeoutSeconds = listingTimeout;
-    authorize(request, apiKey);
-    HttpResponse response;
+    const QUrl url = openAICompatible().address(baseUrl, QStringLiteral("/models"));
     try {
-        response = http.send(request, stop);
+        return sortedIds(openAICompatible().fetchListing(url, apiKey, http, stop));
     } catch (const HttpError&) {
-        throw unreachable(base);
+        throw unreachable(trimBaseAddress(baseUrl));
     }
-    if (response.status != 200) {
-        throw TranslationError(
-            QStringLiteral("El servidor respondió con un error al listar modelos."), true);
-    }
-    QStringList ids;
-    for (const JsonReader& entry : JsonReader::parse(response.body).objects(u"data"))
-        ids.append(entry.requiredString(u"id"));
-    std::sort(ids.begin(), ids.end());
-    return ids;
 }
 
 } // namespace velto

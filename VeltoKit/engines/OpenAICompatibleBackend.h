@@ -1,24 +1,19 @@
 #pragma once
 
-#include <memory>
-
 #include <QString>
 #include <QStringList>
 
-#include "VeltoKit/engines/HttpClient.h"
-#include "VeltoKit/engines/Retry.h"
-#include "VeltoKit/translation/TranslationBackend.h"
+#include "VeltoKit/engines/HttpBackend.h"
 
 namespace velto {
 
 // Any service that speaks the OpenAI chat-completions format, hosted or on this machine. One
 // complete() is one POST to <base>/chat/completions, tried up to three times; a server that
 // cannot be reached is not retried.
-class OpenAICompatibleBackend : public TranslationBackend {
+class OpenAICompatibleBackend : public HttpBackend {
 public:
-    OpenAICompatibleBackend(QString baseUrl, QString model, QString apiKey, QString label,
-                            double temperature, double timeout, std::shared_ptr<HttpClient> http,
-                            Retry::Wait wait = Retry::cancellableWait);
+    // The key may be empty, as local servers want none.
+    OpenAICompatibleBackend(Settings settings, QString label, double temperature);
 
     // The model identifiers the server offers, sorted.
     static QStringList listModels(const QString& baseUrl, const QString& apiKey, HttpClient& http,
@@ -29,24 +24,14 @@ public:
     QString complete(const QString& system, const QString& prompt,
                      std::stop_token stop) const override;
 
-    QString baseUrl() const { return m_baseUrl; }
-    QString model() const { return m_model; }
-    QString apiKey() const { return m_apiKey; }
     double temperature() const { return m_temperature; }
-    double timeout() const { return m_timeout; }
 
 private:
-    HttpRequest request(const QUrl& address, const QString& system, const QString& prompt) const;
-    QString answerOf(const HttpResponse& response) const;
+    QString answerOf(const JsonReader& reply) const override;
+    HttpResponse send(const HttpRequest& request, std::stop_token stop) const override;
 
-    QString m_baseUrl;
-    QString m_model;
-    QString m_apiKey;
     QString m_label;
     double m_temperature;
-    double m_timeout;
-    std::shared_ptr<HttpClient> m_http;
-    Retry::Wait m_wait;
 };
 
 } // namespace velto

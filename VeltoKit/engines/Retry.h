@@ -34,12 +34,12 @@ auto withBackoff(int attempts, Operation&& operation, std::stop_token stop,
     if (attempts < 0)
         std::abort();
     if (attempts == 0)
-        throw TranslationError(QStringLiteral("Fallo desconocido"), false);
+        throw TranslationError::transient(QStringLiteral("Fallo desconocido"));
     for (int attempt = 0;; ++attempt) {
         try {
             return operation(attempt);
         } catch (const TranslationError& error) {
-            if (error.fatal() || attempt == attempts - 1)
+            if (error.isFatal() || attempt == attempts - 1)
                 throw;
         } catch (...) {
             if (attempt == attempts - 1)

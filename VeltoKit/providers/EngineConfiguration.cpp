@@ -24,11 +24,10 @@ std::shared_ptr<const TranslationBackend> claudeCLIBackend(const QString& prefer
                                                            const QString& model) {
     const std::optional<QString> binary = ClaudeCLIBackend::locate(preferredPath);
     if (!binary) {
-        throw TranslationError(QStringLiteral("No encuentro el binario «claude» en ") +
-                                   PlatformText::thisComputer() +
-                                   QStringLiteral(". Si lo tenés instalado, indicá su ruta en "
-                                                  "Ajustes."),
-                               true);
+        throw TranslationError::fatal(QStringLiteral("No encuentro el binario «claude» en ") +
+                                      PlatformText::thisComputer() +
+                                      QStringLiteral(". Si lo tenés instalado, indicá su ruta en "
+                                                     "Ajustes."));
     }
     return std::make_shared<ClaudeCLIBackend>(*binary, model, networkTimeout);
 }
@@ -96,20 +95,22 @@ std::shared_ptr<const TranslationBackend> EngineConfiguration::makeBackend() con
 std::shared_ptr<const TranslationBackend>
 EngineConfiguration::makeBackend(const std::shared_ptr<HttpClient>& http) const {
     if (const std::optional<QString> missing = missingRequirement())
-        throw TranslationError(*missing, true);
+        throw TranslationError::fatal(*missing);
     switch (provider.flavor) {
     case Flavor::anthropic:
         return std::make_shared<AnthropicBackend>(
-            apiKey, model.isEmpty() ? AnthropicBackend::defaultModel() : model, effort,
-            maxAnswerTokens, networkTimeout, http, Retry::cancellableWait,
-            Provider::claude().defaultBaseURL);
+            HttpBackend::Settings{apiKey,
+                                  model.isEmpty() ? AnthropicBackend::defaultModel() : model,
+                                  Provider::claude().defaultBaseURL, networkTimeout, http},
+            effort, maxAnswerTokens);
     case Flavor::openAICompatible:
-        return std::make_shared<OpenAICompatibleBackend>(trimBaseAddress(baseURL), model, apiKey,
-                                                         provider.name, temperature,
-                                                         localServerTimeout, http);
+        return std::make_shared<OpenAICompatibleBackend>(
+            HttpBackend::Settings{apiKey, model, baseURL, localServerTimeout, http}, provider.name,
+            temperature);
     case Flavor::gemini:
-        return std::make_shared<GeminiBackend>(apiKey, model, trimBaseAddress(baseURL), temperature,
-                                               maxAnswerTokens, networkTimeout, http);
+        return std::make_shared<GeminiBackend>(
+            HttpBackend::Settings{apiKey, model, baseURL, networkTimeout, http}, temperature,
+            maxAnswerTokens);
     case Flavor::claudeCLI:
         return claudeCLIBackend(cliBinaryPath, cliModel);
     case Flavor::echo:

@@ -59,7 +59,7 @@ QList<std::optional<QString>> SingleCueTranslator::translate(const QStringList& 
                 try {
                     answers[k] = ask(texts, positions[k], stop);
                 } catch (const TranslationError& error) {
-                    halt = halt || error.fatal();
+                    halt = halt || error.isFatal();
                 } catch (const VeltoError&) {
                     // This text keeps its first answer.
                 }

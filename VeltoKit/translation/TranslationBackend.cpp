@@ -13,10 +13,9 @@ void TranslationBackend::preflight(std::stop_token stop) const {
         complete(QStringLiteral("Respondé exactamente con el texto pedido, sin agregar nada más."),
                  QStringLiteral("Respondé exactamente: PONG"), stop);
     if (!answer.toUpper().contains(QStringLiteral("PONG"))) {
-        throw TranslationError(
+        throw TranslationError::fatal(
             QStringLiteral("El motor respondió algo inesperado al chequeo inicial: ") +
-                answer.left(200),
-            true);
+            answer.left(200));
     }
 }
 

@@ -6,4 +6,12 @@ TranslationError::TranslationError(QString message, bool fatal)
     : VeltoError(std::move(message))
     , m_fatal(fatal) {}
 
+TranslationError TranslationError::fatal(QString message) {
+    return TranslationError(std::move(message), true);
+}
+
+TranslationError TranslationError::transient(QString message) {
+    return TranslationError(std::move(message), false);
+}
+
 } // namespace velto

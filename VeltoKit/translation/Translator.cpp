@@ -246,7 +246,7 @@ void Translator::runBatch(Run& run, const QList<qsizetype>& indices) const {
     try {
         translations = request(run.texts, indices, stop);
     } catch (const TranslationError& error) {
-        if (error.fatal())
+        if (error.isFatal())
             throw;
         failure = error.message();
     } catch (const VeltoError& error) {
@@ -287,10 +287,9 @@ QStringList Translator::request(const QStringList& texts, const QList<qsizetype>
     }
     const auto received = static_cast<qsizetype>(blocks.size());
     if (translations.size() != expected || received != expected) {
-        throw TranslationError(QStringLiteral("faltan o sobran bloques (esperados ") +
-                                   QString::number(expected) + QStringLiteral(", recibidos ") +
-                                   QString::number(received) + u')',
-                               false);
+        throw TranslationError::transient(
+            QStringLiteral("faltan o sobran bloques (esperados ") + QString::number(expected) +
+            QStringLiteral(", recibidos ") + QString::number(received) + u')');
     }
     return translations;
 }

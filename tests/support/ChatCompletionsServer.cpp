@@ -1,8 +1,5 @@
 #include "support/ChatCompletionsServer.h"
 
-#include <csignal>
-#include <stdexcept>
-
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -22,12 +19,11 @@ QByteArray json(const QJsonObject& object) {
 } // namespace
 
 ChatCompletionsServer::ChatCompletionsServer(Behaviour behaviour)
-    : m_behaviour(std::move(behaviour))
-    , m_server(std::make_unique<httplib::Server>()) {
-    std::signal(SIGPIPE, SIG_IGN);
+    : m_behaviour(std::move(behaviour)) {
+    httplib::Server& server = m_listener.server();
     // One request per connection: an idle kept-alive one would hold the server's stop for
     // seconds.
-    m_server->set_keep_alive_max_count(1);
+    server.set_keep_alive_max_count(1);
     if (!m_behaviour.translate) {
         m_behaviour.translate = [](int, const QString& text) -> QString {
             return QStringLiteral("es: ") + text;
@@ -45,7 +41,7 @@ ChatCompletionsServer::ChatCompletionsServer(Behaviour behaviour)
                              "application/json");
         return false;
     };
-    m_server->Get("/v1/models", [this, authorized](const auto& request, auto& response) {
+    server.Get("/v1/models", [this, authorized](const auto& request, auto& response) {
         if (!authorized(request, response))
             return;
         QJsonArray data;
@@ -54,29 +50,17 @@ ChatCompletionsServer::ChatCompletionsServer(Behaviour behaviour)
         response.set_content(json({{QStringLiteral("data"), data}}).toStdString(),
                              "application/json");
     });
-    m_server->Post("/v1/chat/completions", [this, authorized](const auto& request, auto& response) {
+    server.Post("/v1/chat/completions", [this, authorized](const auto& request, auto& response) {
         if (!authorized(request, response))
             return;
         response.set_content(answer(QByteArray::fromStdString(request.body)).toStdString(),
                              "application/json");
     });
-    m_port = m_behaviour.port == 0
-                 ? m_server->bind_to_any_port("127.0.0.1")
-                 : (m_server->bind_to_port("127.0.0.1", m_behaviour.port) ? m_behaviour.port : -1);
-    if (m_port <= 0)
-        throw std::runtime_error("the test server could not listen on its port");
-    m_listener = std::thread([this] { m_server->listen_after_bind(); });
-    while (!m_server->is_running())
-        std::this_thread::yield();
-}
-
-ChatCompletionsServer::~ChatCompletionsServer() {
-    m_server->stop();
-    m_listener.join();
+    m_listener.listen(m_behaviour.port);
 }
 
 QString ChatCompletionsServer::baseUrl() const {
-    return QStringLiteral("http://127.0.0.1:%1/v1").arg(m_port);
+    return QStringLiteral("http://127.0.0.1:%1/v1").arg(m_listener.port());
 }
 
 int ChatCompletionsServer::completions() const {

@@ -1,18 +1,14 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <mutex>
-#include <thread>
 
 #include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
 
-namespace httplib {
-class Server;
-} // namespace httplib
+#include "support/LocalListener.h"
 
 namespace velto::test {
 
@@ -34,7 +30,6 @@ public:
     };
 
     explicit ChatCompletionsServer(Behaviour behaviour);
-    ~ChatCompletionsServer();
 
     // The address a user types: "http://127.0.0.1:PORT/v1".
     QString baseUrl() const;
@@ -47,13 +42,11 @@ private:
     static QByteArray reply(const QString& content);
 
     Behaviour m_behaviour;
-    std::unique_ptr<httplib::Server> m_server;
-    int m_port = 0;
-    std::thread m_listener;
     mutable std::mutex m_mutex;
     int m_completions = 0;
     bool m_lostOne = false;
     QList<QByteArray> m_authorizations;
+    LocalListener m_listener;
 };
 
 } // namespace velto::test

@@ -32,14 +32,14 @@ std::optional<Error> errorOf(const std::function<void()>& call) {
 // The message of the fatal TranslationError that `call` throws; a test failure otherwise.
 inline QString fatalMessageOf(const std::function<void()>& call) {
     const std::optional<TranslationError> error = errorOf(call);
-    EXPECT_TRUE(error && error->fatal());
+    EXPECT_TRUE(error && error->isFatal());
     return error ? error->message() : QString();
 }
 
 // The message of the TranslationError that `call` throws, marked " (fatal)" when fatal.
 inline QString outcomeOf(const std::function<void()>& call) {
     const TranslationError error = errorOf(call).value();
-    return error.fatal() ? error.message() + QStringLiteral(" (fatal)") : error.message();
+    return error.isFatal() ? error.message() + QStringLiteral(" (fatal)") : error.message();
 }
 
 inline QJsonObject json(const QByteArray& text) {
@@ -74,7 +74,7 @@ protected:
             const std::optional<TranslationError> error = errorOf(call);
             ASSERT_TRUE(error);
             EXPECT_EQ(error->message(), row.message);
-            EXPECT_EQ(error->fatal(), row.fatal);
+            EXPECT_EQ(error->isFatal(), row.fatal);
             EXPECT_EQ(server.hits(), row.fatal ? 1 : attempts);
             EXPECT_EQ(waits.size(), size_t(row.fatal ? 0 : attempts - 1));
         }

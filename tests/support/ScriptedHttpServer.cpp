@@ -1,17 +1,12 @@
 #include "support/ScriptedHttpServer.h"
 
-#include <csignal>
-#include <stdexcept>
-
 #include <httplib.h>
 
 namespace velto::test {
 
-ScriptedHttpServer::ScriptedHttpServer()
-    : m_server(std::make_unique<httplib::Server>()) {
-    // A client that gave up must not kill the test process when the server answers it.
-    std::signal(SIGPIPE, SIG_IGN);
-    m_server->set_keep_alive_max_count(100000).set_keep_alive_timeout(60).set_tcp_nodelay(true);
+ScriptedHttpServer::ScriptedHttpServer() {
+    httplib::Server& server = m_listener.server();
+    server.set_keep_alive_max_count(100000).set_keep_alive_timeout(60).set_tcp_nodelay(true);
     const auto handler = [this](const httplib::Request& request, httplib::Response& response) {
         ReceivedRequest received{request.method.c_str(),
                                  request.target.c_str(),
@@ -30,20 +25,13 @@ ScriptedHttpServer::ScriptedHttpServer()
         response.status = reply.status;
         response.set_content(reply.body.toStdString(), "application/json");
     };
-    m_server->Get(".*", handler).Post(".*", handler);
-    m_port = m_server->bind_to_any_port("127.0.0.1");
-    if (m_port <= 0)
-        throw std::runtime_error("the test server found no free port");
-    m_listener = std::thread([this] { m_server->listen_after_bind(); });
-    // stop() is ignored until the accept loop runs; it starts within microseconds.
-    while (!m_server->is_running())
-        std::this_thread::yield();
+    server.Get(".*", handler).Post(".*", handler);
+    m_listener.listen();
 }
 
+// Held requests are let go first, so the listener can stop.
 ScriptedHttpServer::~ScriptedHttpServer() {
     m_release.set_value();
-    m_server->stop();
-    m_listener.join();
 }
 
 void ScriptedHttpServer::script(const ScriptedReply& reply, int times) {

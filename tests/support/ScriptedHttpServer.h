@@ -1,9 +1,7 @@
 #pragma once
 
 #include <future>
-#include <memory>
 #include <mutex>
-#include <thread>
 
 #include <QByteArray>
 #include <QList>
@@ -11,9 +9,7 @@
 #include <QSet>
 #include <QString>
 
-namespace httplib {
-class Server;
-} // namespace httplib
+#include "support/LocalListener.h"
 
 namespace velto::test {
 
@@ -41,8 +37,8 @@ public:
     ScriptedHttpServer();
     ~ScriptedHttpServer();
 
-    QString baseUrl() const { return QStringLiteral("http://127.0.0.1:%1").arg(m_port); }
-    int port() const { return m_port; }
+    QString baseUrl() const { return QStringLiteral("http://127.0.0.1:%1").arg(port()); }
+    int port() const { return m_listener.port(); }
     void script(const ScriptedReply& reply, int times = 1);
     // Forgets the requests and connections seen and the rest of the script.
     void reset();
@@ -54,15 +50,13 @@ public:
     }
 
 private:
-    std::unique_ptr<httplib::Server> m_server;
-    int m_port = 0;
-    std::thread m_listener;
     std::promise<void> m_release;
     std::shared_future<void> m_released = m_release.get_future().share();
     mutable std::mutex m_mutex;
     QList<ScriptedReply> m_script;
     QList<ReceivedRequest> m_requests;
     QSet<int> m_clientPorts;
+    LocalListener m_listener;
 };
 
 } // namespace velto::test

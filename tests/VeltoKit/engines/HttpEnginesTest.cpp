@@ -15,32 +15,33 @@ using Effort = AnthropicBackend::Effort;
 
 namespace {
 
-class AnthropicEngine : public EngineTest {
+// The three engines, each against the scripted server with its retry waits recorded.
+class HttpEngines : public EngineTest {
 protected:
-    // A client deaf to a stop would wait out the hour: the cancel test would hang, not pass.
-    AnthropicBackend backend(const QString& key = u"clave"_s) {
-        return AnthropicBackend(key, u"claude-haiku-4-5"_s, Effort::xhigh, 16000, 3600, http, wait,
-                                server.baseUrl() + u"/v1"_s);
+    HttpBackend::Settings settings(const QString& key, const QString& model, const QString& base,
+                                   double timeout = 30) const {
+        return {key, model, base, timeout, http, wait};
     }
-};
-
-class OpenAICompatibleEngine : public EngineTest {
-protected:
-    OpenAICompatibleBackend backend(const QString& base, const QString& key = {},
-                                    const QString& model = u"qwen3:8b"_s, double timeout = 30) {
-        return {base, model, key, u"Ollama"_s, 0.3, timeout, http, wait};
+    // A client deaf to a stop would wait out the hour: the cancel test would hang, not pass.
+    AnthropicBackend anthropic(const QString& key = u"clave"_s) const {
+        return {settings(key, u"claude-haiku-4-5"_s, server.baseUrl() + u"/v1"_s, 3600),
+                Effort::xhigh, 16000};
+    }
+    OpenAICompatibleBackend openAI(const QString& base, const QString& key = {},
+                                   const QString& model = u"qwen3:8b"_s,
+                                   double timeout = 30) const {
+        return {settings(key, model, base, timeout), u"Ollama"_s, 0.3};
+    }
+    GeminiBackend gemini(const QString& key = u"AIza"_s,
+                         const QString& model = u"gemini-2.5-flash"_s) const {
+        return {settings(key, model, server.baseUrl() + u"/v1beta/"_s), 0.3, 16000};
     }
     QString v1() const { return server.baseUrl() + u"/v1"_s; }
 };
 
-class GeminiEngine : public EngineTest {
-protected:
-    GeminiBackend backend(const QString& key = u"AIza"_s,
-                          const QString& model = u"gemini-2.5-flash"_s) {
-        return {key, model, v1beta() + u"/"_s, 0.3, 16000, 30, http, wait};
-    }
-    QString v1beta() const { return server.baseUrl() + u"/v1beta"_s; }
-};
+class AnthropicEngine : public HttpEngines {};
+class OpenAICompatibleEngine : public HttpEngines {};
+class GeminiEngine : public HttpEngines {};
 
 // An error body in the shape both Anthropic and Gemini use.
 QByteArray error(const char* message) {
@@ -53,7 +54,7 @@ TEST_F(AnthropicEngine, PostsOneMessageAndJoinsTheTextBlocksUntrimmed) {
     server.script({200, R"({"content":[{"type":"thinking","thinking":"mmm"},
         {"type":"text","text":"\nHola"},{"type":"text"},{"type":"text","text":" mundo\n"}],
         "usage":{"input_tokens":9,"output_tokens":3},"stop_reason":"end_turn"})"});
-    EXPECT_EQ(ask(backend()), u"\nHola mundo\n"_s);
+    EXPECT_EQ(ask(anthropic()), u"\nHola mundo\n"_s);
     const ReceivedRequest request = server.requests().at(0);
     EXPECT_EQ(request.method + ' ' + request.target, "POST /v1/messages");
     EXPECT_EQ(request.headers.value("content-type"), "application/json");
@@ -81,26 +82,18 @@ TEST_F(AnthropicEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes)
     };
     for (int status : {429, 500, 502, 503, 529})
         rows.push_back({status, error("Overloaded"), busy.arg(status) + u"Overloaded"_s, false});
-    expectFailures(4, rows, [&] { ask(backend()); });
+    expectFailures(4, rows, [&] { ask(anthropic()); });
 
     server.reset();
     server.script({200, "<html>proxy</html>"}, 4);
-    EXPECT_THROW(ask(backend()), JsonError);
+    EXPECT_THROW(ask(anthropic()), JsonError);
     EXPECT_EQ(server.hits(), 4);
-}
-
-TEST_F(AnthropicEngine, AMissingKeyFailsWithoutTrafficNamingTheSystemKeychain) {
-    EXPECT_EQ(fatalMessageOf([&] { ask(backend({})); }), AnthropicBackend::missingKeyMessage());
-    EXPECT_EQ(AnthropicBackend::missingKeyMessage(PlatformText::System::macOS),
-              u"Falta la API key de Anthropic. Cargala en Ajustes: la clave se guarda en el "
-              u"Llavero de macOS."_s);
-    EXPECT_EQ(server.hits(), 0);
 }
 
 TEST_F(AnthropicEngine, ACancelDuringASlowAnswerEndsTheCallAtOnce) {
     server.script(ScriptedReply::silence());
     std::stop_source stop;
-    std::jthread call([&] { EXPECT_THROW(ask(backend(), stop.get_token()), Cancelled); });
+    std::jthread call([&] { EXPECT_THROW(ask(anthropic(), stop.get_token()), Cancelled); });
     ASSERT_TRUE(eventually([&] { return server.hits() == 1; }));
     stop.request_stop();
     call.join();
@@ -121,8 +114,8 @@ TEST_F(OpenAICompatibleEngine, PostsTheChatAndStripsThinkingButNotTheAnswer) {
     server.script({200, R"({"choices":[{"message":{"content":)"
                         R"("<think>a</think>Hola\n<think>\nb\n</think> mundo\n"}}]})"},
                   2);
-    EXPECT_EQ(ask(backend(u" "_s + v1() + u"// \n"_s)), u"Hola\n mundo\n"_s);
-    EXPECT_EQ(ask(backend(v1(), u"sk-1"_s)), u"Hola\n mundo\n"_s);
+    EXPECT_EQ(ask(openAI(u" "_s + v1() + u"// \n"_s)), u"Hola\n mundo\n"_s);
+    EXPECT_EQ(ask(openAI(v1(), u"sk-1"_s)), u"Hola\n mundo\n"_s);
     const QList<ReceivedRequest> requests = server.requests();
     EXPECT_EQ(requests.at(0).method + ' ' + requests.at(0).target, "POST /v1/chat/completions");
     EXPECT_EQ(requests.at(0).headers.value("content-type"), "application/json");
@@ -140,7 +133,7 @@ TEST_F(OpenAICompatibleEngine, AnswersWithWindowsOrOldMacLineEndsTranslateInOneR
         server.script({200, QByteArray(R"({"choices":[{"message":{"content":"#@#1#@#%1Hola.%1)"
                                        R"(#@#2#@#%1Chau,%1amigo.%1#@#3#@#%1¡Corré!%1"}}]})")
                                 .replace("%1", end)});
-        const auto engine = std::make_shared<OpenAICompatibleBackend>(backend(v1()));
+        const auto engine = std::make_shared<OpenAICompatibleBackend>(openAI(v1()));
         const Translator::Result result =
             Translator(engine, u"inglés"_s, SpanishVariant::neutro, 40, 0, 1, nullptr)
                 .translateAll({u"Hi."_s, u"Bye,\nfriend."_s, u"Run!"_s}, nullptr, {});
@@ -170,7 +163,7 @@ TEST_F(OpenAICompatibleEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransie
             {status, "ocupado", u"El servicio está saturado (%1): ocupado"_s.arg(status), false});
     for (int status : {201, 501, 504, 529})
         rows.push_back({status, "raro", u"El servidor devolvió %1: raro"_s.arg(status), false});
-    expectFailures(3, rows, [&] { ask(backend(v1())); });
+    expectFailures(3, rows, [&] { ask(openAI(v1())); });
 }
 
 TEST_F(OpenAICompatibleEngine, AServerThatCannotBeReachedFailsOnceWithoutWaiting) {
@@ -180,41 +173,20 @@ TEST_F(OpenAICompatibleEngine, AServerThatCannotBeReachedFailsOnceWithoutWaiting
         const QString base = u"http://%1:%2/v1"_s.arg(host).arg(closedPort);
         const QString advice =
             host == u"127.0.0.2" ? u". Revisá la dirección y tu conexión."_s : local;
-        EXPECT_EQ(fatalMessageOf([&] { ask(backend(base)); }),
+        EXPECT_EQ(fatalMessageOf([&] { ask(openAI(base)); }),
                   u"No pude conectarme a "_s + base + advice);
     }
     server.script(ScriptedReply::silence());
-    EXPECT_EQ(fatalMessageOf([&] { ask(backend(v1(), {}, u"m"_s, 0.2)); }),
+    EXPECT_EQ(fatalMessageOf([&] { ask(openAI(v1(), {}, u"m"_s, 0.2)); }),
               u"No pude conectarme a "_s + v1() + local);
     EXPECT_EQ(server.hits(), 1);
     EXPECT_TRUE(waits.empty());
 }
 
-TEST_F(OpenAICompatibleEngine, RefusesAMissingModelOrAnInvalidAddressBeforeSending) {
-    EXPECT_EQ(fatalMessageOf([&] { ask(backend(v1(), {}, {})); }),
-              u"Elegí un modelo en Ajustes."_s);
-    for (const QString& base : {u"localhost:11434/v1"_s, u"ftp://127.0.0.1/v1"_s, u"http:///v1"_s})
-        EXPECT_EQ(fatalMessageOf([&] { ask(backend(base)); }),
-                  u"La dirección del servidor no es válida."_s);
-    EXPECT_EQ(server.hits(), 0);
-}
-
-TEST_F(OpenAICompatibleEngine, ListsTheServersModelsSorted) {
-    server.script({200, R"({"object":"list","data":[{"id":"zeta"},{"id":"Alfa"},{"id":"beta"}]})"});
-    server.script({500, "roto"});
-    const auto list = [&] {
-        return OpenAICompatibleBackend::listModels(v1() + u"/ "_s, u"k"_s, *http, {});
-    };
-    EXPECT_EQ(list(), QStringList({u"Alfa"_s, u"beta"_s, u"zeta"_s}));
-    EXPECT_EQ(server.requests().at(0).target, "/v1/models");
-    EXPECT_EQ(server.requests().at(0).headers.value("authorization"), "Bearer k");
-    EXPECT_EQ(fatalMessageOf(list), u"El servidor respondió con un error al listar modelos."_s);
-}
-
 TEST_F(GeminiEngine, PostsGenerateContentAndKeepsAnAnswerCutByTheTokenLimit) {
     server.script({200, R"({"candidates":[{"content":{"parts":[{"text":"Hola"},{},{"text":" mun"}]},
         "finishReason":"MAX_TOKENS"},{"content":{"parts":[{"text":"otra"}]}}]})"});
-    EXPECT_EQ(ask(backend()), u"Hola mun"_s);
+    EXPECT_EQ(ask(gemini()), u"Hola mun"_s);
     const ReceivedRequest request = server.requests().at(0);
     EXPECT_EQ(request.method + ' ' + request.target,
               "POST /v1beta/models/gemini-2.5-flash:generateContent");
@@ -253,35 +225,27 @@ TEST_F(GeminiEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes) {
     for (int status : {429, 500, 503})
         rows.push_back(
             {status, error("busy"), u"Gemini está saturado (%1): busy"_s.arg(status), false});
-    expectFailures(4, rows, [&] { ask(backend()); });
+    expectFailures(4, rows, [&] { ask(gemini()); });
 }
 
-TEST_F(GeminiEngine, RefusesAMissingKeyModelOrAddressBeforeSending) {
-    EXPECT_EQ(fatalMessageOf([&] { ask(backend({})); }),
-              u"Falta la API key de Gemini. Sacala de https://aistudio.google.com/apikey y "
-              u"cargala en Ajustes."_s);
-    EXPECT_EQ(fatalMessageOf([&] { ask(backend(u"k"_s, {})); }),
-              u"Elegí un modelo de Gemini en Ajustes."_s);
-    EXPECT_EQ(fatalMessageOf([&] { ask(backend(u"k"_s, u"gemini pro"_s)); }),
-              u"La dirección de Gemini no es válida."_s);
-    EXPECT_EQ(server.hits(), 0);
-}
-
-TEST_F(GeminiEngine, ListsOnlyGenerativeModelsWithoutTheirPrefix) {
-    server.script({200, R"({"models":[{"name":"models/gemini-2.5-pro",
-        "supportedGenerationMethods":["generateContent","countTokens"]},{"name":"models/aqa"},
-        {"name":"models/embedding","supportedGenerationMethods":["embedContent"]},
-        {"name":"models/gemini-2.0-flash","supportedGenerationMethods":["generateContent"]}]})"});
-    server.script({403, error("Permission denied")});
-    server.script({200, "[]"});
-    const auto list = [&](const QString& key) {
-        return GeminiBackend::listModels(key, v1beta() + u" /"_s, *http, {});
+TEST_F(HttpEngines, RefuseWhatTheyCannotAskWithoutSendingAnything) {
+    const QString badAddress = u"La dirección del servidor no es válida."_s;
+    const std::pair<std::function<void()>, QString> refusals[] = {
+        {[&] { ask(anthropic({})); }, AnthropicBackend::missingKeyMessage()},
+        {[&] { ask(openAI(v1(), {}, {})); }, u"Elegí un modelo en Ajustes."_s},
+        {[&] { ask(openAI(u"localhost:11434/v1"_s)); }, badAddress},
+        {[&] { ask(openAI(u"ftp://127.0.0.1/v1"_s)); }, badAddress},
+        {[&] { ask(openAI(u"http:///v1"_s)); }, badAddress},
+        {[&] { ask(gemini({})); },
+         u"Falta la API key de Gemini. Sacala de https://aistudio.google.com/apikey y cargala en "
+         u"Ajustes."_s},
+        {[&] { ask(gemini(u"k"_s, {})); }, u"Elegí un modelo de Gemini en Ajustes."_s},
+        {[&] { ask(gemini(u"k"_s, u"gemini pro"_s)); }, u"La dirección de Gemini no es válida."_s},
     };
-    EXPECT_EQ(list(u"k"_s), QStringList({u"gemini-2.0-flash"_s, u"gemini-2.5-pro"_s}));
-    EXPECT_EQ(server.requests().at(0).target, "/v1beta/models?pageSize=200");
-    EXPECT_EQ(server.requests().at(0).headers.value("x-goog-api-key"), "k");
-    const QString failed = u"Gemini no devolvió los modelos: "_s;
-    EXPECT_EQ(fatalMessageOf([&] { list(u"k"_s); }), failed + u"Permission denied"_s);
-    EXPECT_EQ(fatalMessageOf([&] { list(u"k"_s); }), failed + u"no pude leer la lista"_s);
-    EXPECT_EQ(fatalMessageOf([&] { list({}); }), u"Cargá primero la API key de Gemini."_s);
+    for (const auto& [call, message] : refusals)
+        EXPECT_EQ(fatalMessageOf(call), message);
+    EXPECT_EQ(server.hits(), 0);
+    EXPECT_EQ(AnthropicBackend::missingKeyMessage(PlatformText::System::macOS),
+              u"Falta la API key de Anthropic. Cargala en Ajustes: la clave se guarda en el "
+              u"Llavero de macOS."_s);
 }

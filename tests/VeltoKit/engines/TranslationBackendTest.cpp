@@ -30,7 +30,9 @@ TEST(Retry, RetriesAllButFatalErrorsWithCappedDoublingWaitsAndRethrowsTheLast) {
 
     waits.clear();
     const auto failing = [](int attempt) -> int {
-        throw TranslationError(QString::number(attempt), attempt == 2);
+        const QString message = QString::number(attempt);
+        throw attempt == 2 ? TranslationError::fatal(message)
+                           : TranslationError::transient(message);
     };
     const auto outcome = [&](int attempts) {
         return outcomeOf([&] { Retry::withBackoff(attempts, failing, stop.get_token(), record); });

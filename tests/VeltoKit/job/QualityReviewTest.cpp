@@ -52,8 +52,9 @@ protected:
         MediaFixtures::writeVideo(
             source, {.subtitles = {{.language = u"eng"_s, .contents = englishSrt()}}});
         const auto backend = std::make_shared<OpenAICompatibleBackend>(
-            server.baseUrl(), u"m"_s, u"sk-prueba"_s, u"Local"_s, 0.0, 30.0,
-            std::make_shared<HttpClient>());
+            HttpBackend::Settings{u"sk-prueba"_s, u"m"_s, server.baseUrl(), 30.0,
+                                  std::make_shared<HttpClient>()},
+            u"Local"_s, 0.0);
         JobOptions options;
         options.useCache = false;
         options.outputURL = QDir(m_root.path()).filePath(output);

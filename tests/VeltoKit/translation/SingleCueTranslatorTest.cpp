@@ -29,9 +29,9 @@ public:
         if (text == u"⟪1⟫tres"_s)
             return BlockProtocol::build({{1, u"three"_s}});
         if (text == u"cuatro"_s)
-            throw TranslationError(u"se cortó"_s, false);
+            throw TranslationError::transient(u"se cortó"_s);
         if (text == u"cinco"_s)
-            throw TranslationError(u"clave rechazada"_s, true);
+            throw TranslationError::fatal(u"clave rechazada"_s);
         return BlockProtocol::build({{1, text.toUpper()}});
     }
 

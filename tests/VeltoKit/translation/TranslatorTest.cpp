@@ -123,7 +123,7 @@ TEST_F(TranslatorTest, HalvesAFailingBatchDownToSingleTextsAndCountsOnlyTheHopel
     // Drops the last block of every answer with several texts; one text is always refused.
     answer = [](const QStringList& texts, std::stop_token) {
         if (texts == QStringList{u"intraducible"_s})
-            throw TranslationError(u"El motor no quiso responder."_s, false);
+            throw TranslationError::transient(u"El motor no quiso responder."_s);
         return echoed(texts.size() > 1 ? texts.first(texts.size() - 1) : texts);
     };
     const auto result = run(numberedTexts(7) << u"intraducible"_s, 8, 1);
@@ -198,7 +198,7 @@ TEST_F(TranslatorTest, AFatalErrorOnTheThirdBatchStopsItsSiblingAndNothingMoreSt
         if (texts.first() == u"2")
             holdUntilStopped(stop);
         if (texts.first() == u"4" && awaitHeld(1))
-            throw TranslationError(u"El modelo no existe."_s, true);
+            throw TranslationError::fatal(u"El modelo no existe."_s);
         return echoed(texts);
     };
     EXPECT_EQ(test::fatalMessageOf([&] { run(numberedTexts(12), 2, 2, cache()); }),

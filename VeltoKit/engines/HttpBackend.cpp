@@ -1,0 +1,51 @@
+#include "VeltoKit/engines/HttpBackend.h"
+
+#include <algorithm>
+
+#include <QJsonDocument>
+
+#include "VeltoKit/engines/HttpService.h"
+#include "VeltoKit/engines/JsonReader.h"
+
+namespace velto {
+
+HttpBackend::HttpBackend(Settings settings, const HttpService& service)
+    : m_settings(std::move(settings))
+    , m_service(service) {
+    m_settings.baseUrl = trimBaseAddress(m_settings.baseUrl);
+}
+
+QString HttpBackend::post(const QString& path, const QJsonObject& body,
+                          std::stop_token stop) const {
+    HttpRequest request;
+    request.method = HttpMethod::post;
+    request.url = m_service.address(m_settings.baseUrl, path);
+    request.timeoutSeconds = m_settings.timeout;
+    request.headers = {{"Content-Type", "application/json"}};
+    request.headers += m_service.headers(m_settings.apiKey);
+    request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
+    const auto exchange = [&](int) {
+        const HttpResponse response = send(request, stop);
+        if (response.status != 200)
+            throw m_service.answerFailures.errorFor(response, m_settings.model);
+        const QString text = answerOf(JsonReader::parse(response.body));
+        if (text.trimmed().isEmpty())
+            throw TranslationError::transient(m_service.emptyAnswer);
+        return text;
+    };
+    return Retry::withBackoff(m_service.attempts, exchange, stop, m_settings.wait);
+}
+
+QStringList HttpBackend::sortedIds(const HttpResponse& listing) {
+    QStringList ids;
+    for (const JsonReader& entry : JsonReader::parse(listing.body).objects(u"data"))
+        ids.append(entry.requiredString(u"id"));
+    std::sort(ids.begin(), ids.end());
+    return ids;
+}
+
+HttpResponse HttpBackend::send(const HttpRequest& request, std::stop_token stop) const {
+    return m_settings.http->send(request, stop);
+}
+
+} // namespace velto
