@@ -4,14 +4,13 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
-#include "VeltoKit/engines/HttpService.h"
 #include "VeltoKit/engines/JsonReader.h"
 
 namespace velto {
 
 namespace {
 
-const HttpService& anthropic() {
+const HttpBackend::Service& anthropic() {
     static const QList<StatusWording> answerStatuses{
         {{400}, TranslationError::fatal, u"Pedido inválido (400): "},
         {{401, 403}, TranslationError::fatal, u"La API key fue rechazada ({status}): "},
@@ -21,7 +20,7 @@ const HttpService& anthropic() {
          u"El servicio está saturado ({status}): "},
         {{}, TranslationError::transient, u"Error {status}: "},
     };
-    static const HttpService service{
+    static const HttpBackend::Service service{
         .attempts = 4,
         .keyHeader = "x-api-key",
         .fixedHeaders = {{"anthropic-version", "2023-06-01"}},
@@ -126,8 +125,8 @@ QStringList AnthropicBackend::listModels(const QString& apiKey, const QString& b
                                          HttpClient& http, std::stop_token stop) {
     if (apiKey.isEmpty())
         throw TranslationError::fatal(QStringLiteral("Cargá primero la API key de Anthropic."));
-    const QUrl url = anthropic().address(baseUrl, QStringLiteral("/models?limit=100"));
-    return sortedIds(anthropic().fetchListing(url, apiKey, http, stop));
+    return sortedIds(
+        anthropic().fetchListing(baseUrl, QStringLiteral("/models?limit=100"), apiKey, http, stop));
 }
 
 QString AnthropicBackend::label() const {

@@ -5,14 +5,13 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
-#include "VeltoKit/engines/HttpService.h"
 #include "VeltoKit/engines/JsonReader.h"
 
 namespace velto {
 
 namespace {
 
-const HttpService& gemini() {
+const HttpBackend::Service& gemini() {
     static const QList<StatusWording> answerStatuses{
         // The service reports an invalid key as a bad request.
         {{400}, TranslationError::fatal, u"La API key de Gemini fue rechazada: ", u"api key"},
@@ -23,7 +22,7 @@ const HttpService& gemini() {
         {{429, 500, 503}, TranslationError::transient, u"Gemini está saturado ({status}): "},
         {{}, TranslationError::transient, u"Error {status} de Gemini: "},
     };
-    static const HttpService service{
+    static const HttpBackend::Service service{
         .attempts = 4,
         // The key travels in a header, never in the address, so it stays out of logs.
         .keyHeader = "x-goog-api-key",
@@ -148,10 +147,10 @@ QStringList GeminiBackend::listModels(const QString& apiKey, const QString& base
     const FailureWording& failed = gemini().listingFailures;
     if (apiKey.isEmpty())
         throw TranslationError::fatal(QStringLiteral("Cargá primero la API key de Gemini."));
-    const QUrl url = gemini().address(baseUrl, QStringLiteral("/models?pageSize=200"));
     HttpResponse response;
     try {
-        response = gemini().fetchListing(url, apiKey, http, stop);
+        response = gemini().fetchListing(baseUrl, QStringLiteral("/models?pageSize=200"), apiKey,
+                                         http, stop);
     } catch (const HttpError& error) {
         throw failed.errorFor(0, error.description());
     }

@@ -4,12 +4,38 @@
 
 #include <QJsonDocument>
 
-#include "VeltoKit/engines/HttpService.h"
 #include "VeltoKit/engines/JsonReader.h"
 
 namespace velto {
 
-HttpBackend::HttpBackend(Settings settings, const HttpService& service)
+QList<HttpBackend::Service::Header> HttpBackend::Service::headers(const QString& apiKey) const {
+    QList<Header> all = fixedHeaders;
+    if (!apiKey.isEmpty())
+        all.prepend({keyHeader, keyPrefix + apiKey.toUtf8()});
+    return all;
+}
+
+QUrl HttpBackend::Service::address(const QString& baseUrl, const QString& path) const {
+    const QUrl url(trimBaseAddress(baseUrl) + path, QUrl::StrictMode);
+    if (!isHttpAddress(url))
+        throw TranslationError::fatal(invalidAddress);
+    return url;
+}
+
+HttpResponse HttpBackend::Service::fetchListing(const QString& baseUrl, const QString& path,
+                                                const QString& apiKey, HttpClient& http,
+                                                std::stop_token stop) const {
+    HttpRequest request;
+    request.url = address(baseUrl, path);
+    request.timeoutSeconds = listingTimeout;
+    request.headers = headers(apiKey);
+    HttpResponse response = http.send(request, stop);
+    if (response.status != 200)
+        throw listingFailures.errorFor(response);
+    return response;
+}
+
+HttpBackend::HttpBackend(Settings settings, const Service& service)
     : m_settings(std::move(settings))
     , m_service(service) {
     m_settings.baseUrl = trimBaseAddress(m_settings.baseUrl);

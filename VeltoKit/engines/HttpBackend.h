@@ -2,11 +2,16 @@
 
 #include <memory>
 #include <stop_token>
+#include <utility>
 
+#include <QByteArray>
 #include <QJsonObject>
+#include <QList>
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 
+#include "VeltoKit/engines/FailureWording.h"
 #include "VeltoKit/engines/HttpClient.h"
 #include "VeltoKit/engines/Retry.h"
 #include "VeltoKit/translation/TranslationBackend.h"
@@ -14,10 +19,9 @@
 namespace velto {
 
 class JsonReader;
-struct HttpService;
 
-// The engines that reach a web service: their common settings, and one complete() as a JSON POST
-// retried by the service's own rules.
+// The engines that reach a web service: what the user chose, what the service is, and one
+// complete() as a JSON POST retried by the service's own rules.
 class HttpBackend : public TranslationBackend {
 public:
     struct Settings {
@@ -31,13 +35,42 @@ public:
         Retry::Wait wait = Retry::cancellableWait;
     };
 
+    // What one engine's service differs in: how it takes the key, how many times a request is
+    // tried, and the words for its failures. Each engine describes its service once; its
+    // requests, its model listing and their errors are made from that description.
+    struct Service {
+        using Header = std::pair<QByteArray, QByteArray>;
+
+        int attempts;
+        // The header that carries the key, after a prefix ("Bearer "); no key, no header.
+        QByteArray keyHeader;
+        QByteArray keyPrefix = {};
+        QList<Header> fixedHeaders = {};
+        QString invalidAddress;
+        // A 200 answer whose text is only white space.
+        QString emptyAnswer;
+        FailureWording answerFailures;
+        double listingTimeout;
+        FailureWording listingFailures;
+
+        QList<Header> headers(const QString& apiKey) const;
+        // The base address, trimmed, followed by `path`; the fatal invalidAddress when that is
+        // no web address.
+        QUrl address(const QString& baseUrl, const QString& path) const;
+        // GETs a model listing. A status other than 200 is a listing failure; a transport error
+        // passes as it stands.
+        HttpResponse fetchListing(const QString& baseUrl, const QString& path,
+                                  const QString& apiKey, HttpClient& http,
+                                  std::stop_token stop) const;
+    };
+
     QString apiKey() const { return m_settings.apiKey; }
     QString model() const { return m_settings.model; }
     QString baseUrl() const { return m_settings.baseUrl; }
     double timeout() const { return m_settings.timeout; }
 
 protected:
-    HttpBackend(Settings settings, const HttpService& service);
+    HttpBackend(Settings settings, const Service& service);
 
     // POSTs `body` to the base address followed by `path`, up to the service's attempts. A status
     // other than 200 becomes the service's error for it; a 200 answer is read by answerOf(), and
@@ -53,7 +86,7 @@ private:
     virtual QString answerOf(const JsonReader& reply) const = 0;
 
     Settings m_settings;
-    const HttpService& m_service;
+    const Service& m_service;
 };
 
 } // namespace velto

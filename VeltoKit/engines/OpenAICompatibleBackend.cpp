@@ -4,14 +4,13 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 
-#include "VeltoKit/engines/HttpService.h"
 #include "VeltoKit/engines/JsonReader.h"
 
 namespace velto {
 
 namespace {
 
-const HttpService& openAICompatible() {
+const HttpBackend::Service& openAICompatible() {
     static const QList<StatusWording> answerStatuses{
         {{400}, TranslationError::fatal, u"Pedido inválido (400): "},
         {{401, 403}, TranslationError::fatal, u"La API key fue rechazada ({status}): "},
@@ -21,7 +20,7 @@ const HttpService& openAICompatible() {
          u"El servicio está saturado ({status}): "},
         {{}, TranslationError::transient, u"El servidor devolvió {status}: "},
     };
-    static const HttpService service{
+    static const HttpBackend::Service service{
         .attempts = 3,
         .keyHeader = "Authorization",
         .keyPrefix = "Bearer ",
@@ -105,9 +104,9 @@ HttpResponse OpenAICompatibleBackend::send(const HttpRequest& request, std::stop
 
 QStringList OpenAICompatibleBackend::listModels(const QString& baseUrl, const QString& apiKey,
                                                 HttpClient& http, std::stop_token stop) {
-    const QUrl url = openAICompatible().address(baseUrl, QStringLiteral("/models"));
     try {
-        return sortedIds(openAICompatible().fetchListing(url, apiKey, http, stop));
+        return sortedIds(openAICompatible().fetchListing(baseUrl, QStringLiteral("/models"), apiKey,
+                                                         http, stop));
     } catch (const HttpError&) {
         throw unreachable(trimBaseAddress(baseUrl));
     }

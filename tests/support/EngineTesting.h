@@ -46,9 +46,14 @@ inline QJsonObject json(const QByteArray& text) {
     return QJsonDocument::fromJson(text).object();
 }
 
-// An HTTP answer and the engine error it must become.
+// An error body in the shape of the Anthropic and Gemini APIs.
+inline QByteArray apiError(const char* message) {
+    return R"({"error":{"message":")" + QByteArray(message) + "\"}}";
+}
+
+// HTTP answers and the engine error each must become; "%1" in the message is the status.
 struct FailureRow {
-    int status;
+    const char* statuses; // separated by blanks
     QByteArray body;
     QString message;
     bool fatal;
@@ -67,16 +72,21 @@ protected:
     void expectFailures(int attempts, const std::vector<FailureRow>& rows,
                         const std::function<void()>& call) {
         for (const FailureRow& row : rows) {
-            SCOPED_TRACE(::testing::Message() << row.status << ' ' << row.body.left(80).data());
-            server.reset();
-            waits.clear();
-            server.script({row.status, row.body}, attempts);
-            const std::optional<TranslationError> error = errorOf(call);
-            ASSERT_TRUE(error);
-            EXPECT_EQ(error->message(), row.message);
-            EXPECT_EQ(error->isFatal(), row.fatal);
-            EXPECT_EQ(server.hits(), row.fatal ? 1 : attempts);
-            EXPECT_EQ(waits.size(), size_t(row.fatal ? 0 : attempts - 1));
+            for (const QByteArray& number : QByteArray(row.statuses).split(' ')) {
+                const int status = number.toInt();
+                SCOPED_TRACE(::testing::Message() << status << ' ' << row.body.left(80).data());
+                server.reset();
+                waits.clear();
+                server.script({status, row.body}, attempts);
+                const std::optional<TranslationError> error = errorOf(call);
+                ASSERT_TRUE(error);
+                EXPECT_EQ(
+                    error->message(),
+                    QString(row.message).replace(QStringLiteral("%1"), QString::number(status)));
+                EXPECT_EQ(error->isFatal(), row.fatal);
+                EXPECT_EQ(server.hits(), row.fatal ? 1 : attempts);
+                EXPECT_EQ(waits.size(), size_t(row.fatal ? 0 : attempts - 1));
+            }
         }
     }
 

@@ -15,10 +15,7 @@ LocalListener::LocalListener()
 }
 
 LocalListener::~LocalListener() {
-    if (!m_thread.joinable())
-        return;
     m_server->stop();
-    m_thread.join();
 }
 
 void LocalListener::listen(int port) {
@@ -28,7 +25,7 @@ void LocalListener::listen(int port) {
         throw std::runtime_error("the test server could not listen on 127.0.0.1:" +
                                  std::to_string(port));
     }
-    m_thread = std::thread([this] { m_server->listen_after_bind(); });
+    m_thread = std::jthread([this] { m_server->listen_after_bind(); });
     // stop() is ignored until the accept loop runs; it starts within microseconds.
     while (!m_server->is_running())
         std::this_thread::yield();

@@ -15,8 +15,6 @@ class LocalListener {
 public:
     LocalListener();
     ~LocalListener();
-    LocalListener(const LocalListener&) = delete;
-    LocalListener& operator=(const LocalListener&) = delete;
 
     httplib::Server& server() { return *m_server; }
     // Binds `port`, or any free port when 0, and returns once connections are accepted.
@@ -26,7 +24,7 @@ public:
 private:
     std::unique_ptr<httplib::Server> m_server;
     int m_port = 0;
-    std::thread m_thread;
+    std::jthread m_thread;
 };
 
 } // namespace velto::test

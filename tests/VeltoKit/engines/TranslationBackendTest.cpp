@@ -30,9 +30,8 @@ TEST(Retry, RetriesAllButFatalErrorsWithCappedDoublingWaitsAndRethrowsTheLast) {
 
     waits.clear();
     const auto failing = [](int attempt) -> int {
-        const QString message = QString::number(attempt);
-        throw attempt == 2 ? TranslationError::fatal(message)
-                           : TranslationError::transient(message);
+        const auto kind = attempt == 2 ? TranslationError::fatal : TranslationError::transient;
+        throw kind(QString::number(attempt));
     };
     const auto outcome = [&](int attempts) {
         return outcomeOf([&] { Retry::withBackoff(attempts, failing, stop.get_token(), record); });

@@ -18,94 +18,72 @@ protected:
 
 } // namespace
 
-TEST_F(ModelDiscoveryTest, ListsEachServicesModelsSortedFromOneRequestForItsFirstPage) {
-    using Headers = QList<std::pair<QByteArray, QByteArray>>;
+TEST_F(ModelDiscoveryTest, AsksEachServiceOnceForItsFirstPageOrSaysWhyItGaveNoList) {
+    const Provider claude = Provider::claude(), local = Provider::local(),
+                   gemini = Provider::gemini();
+    const QString noGeminiList = u"Gemini no devolvió los modelos: "_s;
     const struct {
         Provider provider;
-        QString path; // typed after the server's address
-        QByteArray reply;
-        QByteArray target;
-        Headers headers;
-        QStringList models;
+        ScriptedReply reply; // status 0: asked without a key, so nothing may be sent
+        QString outcome;     // the models in order, or the fatal error's message
+        QByteArray target = {};
+        QMap<QByteArray, QByteArray> headers = {};
     } rows[] = {
-        {Provider::claude(),
-         u"/v1/"_s,
-         R"({"data":[{"id":"claude-b","display_name":"B"},
-                     {"id":"claude-a","display_name":"A"}],"has_more":true})",
+        {claude,
+         {200, R"({"data":[{"id":"b","display_name":"B"},{"id":"a"}]})"},
+         u"a b"_s,
          "/v1/models?limit=100",
-         Headers{{"x-api-key", "k"}, {"anthropic-version", "2023-06-01"}},
-         {u"claude-a"_s, u"claude-b"_s}},
-        {Provider::claude(), {}, "{}", "/models?limit=100", {}, {}},
-        {Provider::local(),
-         u"/v1/ "_s,
-         R"({"object":"list","data":[{"id":"zeta"},{"id":"Alfa"},{"id":"beta"}]})",
+         {{"x-api-key", "k"}, {"anthropic-version", "2023-06-01"}}},
+        {claude, {200, "{}"}, {}}, // no "data": no models
+        {local,
+         {200, R"({"data":[{"id":"zeta"},{"id":"Alfa"},{"id":"beta"}]})"},
+         u"Alfa beta zeta"_s,
          "/v1/models",
-         Headers{{"authorization", "Bearer k"}},
-         {u"Alfa"_s, u"beta"_s, u"zeta"_s}},
+         {{"authorization", "Bearer k"}}},
         // Only the models that generate text, without their prefix.
-        {Provider::gemini(),
-         u"/v1beta /"_s,
-         R"({"models":[{"name":"models/gemini-2.5-pro",
-            "supportedGenerationMethods":["generateContent","countTokens"]},{"name":"models/aqa"},
-            {"name":"models/embedding","supportedGenerationMethods":["embedContent"]},
-            {"name":"models/gemini-2.0-flash","supportedGenerationMethods":["generateContent"]}]})",
-         "/v1beta/models?pageSize=200",
-         Headers{{"x-goog-api-key", "k"}},
-         {u"gemini-2.0-flash"_s, u"gemini-2.5-pro"_s}},
+        {gemini,
+         {200, R"({"models":[{"name":"models/b","supportedGenerationMethods":["generateContent"]},
+            {"name":"models/aqa"},{"name":"e","supportedGenerationMethods":["embedContent"]},
+            {"name":"models/a","supportedGenerationMethods":["countTokens","generateContent"]}]})"},
+         u"a b"_s,
+         "/v1/models?pageSize=200",
+         {{"x-goog-api-key", "k"}}},
+        // Anthropic's listing quotes the whole body, not the service's own message.
+        {claude,
+         {401, apiError("bad")},
+         uR"(Anthropic no devolvió los modelos (401): {"error":{"message":"bad"}})"_s},
+        {claude, {0, {}}, u"Cargá primero la API key de Anthropic."_s},
+        {local, {500, "roto"}, u"El servidor respondió con un error al listar modelos."_s},
+        {gemini, {403, apiError("Permission denied")}, noGeminiList + u"Permission denied"_s},
+        {gemini, {200, "[]"}, noGeminiList + u"no pude leer la lista"_s},
+        {gemini, {0, {}}, u"Cargá primero la API key de Gemini."_s},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.target.data());
+        SCOPED_TRACE(row.outcome.toStdString());
         server.reset();
-        server.script({200, row.reply});
-        EXPECT_EQ(list(row.provider, u"k"_s, server.baseUrl() + row.path), row.models);
-        ASSERT_EQ(server.hits(), 1);
-        EXPECT_EQ(server.requests().at(0).target, row.target);
-        for (const auto& [name, value] : row.headers)
-            EXPECT_EQ(server.requests().at(0).headers.value(name), value);
+        const bool asks = row.reply.status != 0;
+        if (asks)
+            server.script(row.reply);
+        QStringList models;
+        const auto error = errorOf([&] {
+            models = list(row.provider, asks ? u"k"_s : QString(), server.baseUrl() + u"/v1/ "_s);
+        });
+        EXPECT_EQ(error ? error->message() : models.join(u' '), row.outcome);
+        EXPECT_TRUE(!error || error->isFatal());
+        EXPECT_EQ(server.hits(), asks ? 1 : 0);
+        const ReceivedRequest request = server.requests().value(0);
+        if (!row.target.isEmpty()) {
+            EXPECT_EQ(request.target, row.target);
+        }
+        for (const auto& [name, value] : row.headers.asKeyValueRange())
+            EXPECT_EQ(request.headers.value(name), value);
     }
+    EXPECT_EQ(fatalMessageOf([&] { list(claude, u"k"_s, u"no es una url"_s); }),
+              u"La dirección de Anthropic no es válida."_s);
+    server.script({200, "[1]"});
+    EXPECT_TRUE(errorOf<JsonError>([&] { list(claude, u"k"_s, server.baseUrl()); }));
     server.reset();
     EXPECT_EQ(list(Provider::echo(), {}, server.baseUrl()), QStringList());
     EXPECT_EQ(list(Provider::claudeCLI(), {}, server.baseUrl()), QStringList());
     EXPECT_EQ(server.hits(), 0);
-}
-
-TEST_F(ModelDiscoveryTest, SaysWhyAServiceGaveNoList) {
-    const struct {
-        Provider provider;
-        QString key;
-        ScriptedReply reply; // status 0: nothing may be asked
-        QString message;
-    } rows[] = {
-        {Provider::claude(),
-         u"bad"_s,
-         {401, R"({"error":{"message":"invalid x-api-key"}})"},
-         uR"(Anthropic no devolvió los modelos (401): {"error":{"message":"invalid x-api-key"}})"_s},
-        {Provider::claude(), {}, {0, {}}, u"Cargá primero la API key de Anthropic."_s},
-        {Provider::local(),
-         u"k"_s,
-         {500, "roto"},
-         u"El servidor respondió con un error al listar modelos."_s},
-        {Provider::gemini(),
-         u"k"_s,
-         {403, R"({"error":{"message":"Permission denied"}})"},
-         u"Gemini no devolvió los modelos: Permission denied"_s},
-        {Provider::gemini(),
-         u"k"_s,
-         {200, "[]"},
-         u"Gemini no devolvió los modelos: no pude leer la lista"_s},
-        {Provider::gemini(), {}, {0, {}}, u"Cargá primero la API key de Gemini."_s},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.message.toStdString());
-        server.reset();
-        if (row.reply.status != 0)
-            server.script(row.reply);
-        EXPECT_EQ(fatalMessageOf([&] { list(row.provider, row.key, server.baseUrl()); }),
-                  row.message);
-        EXPECT_EQ(server.hits(), row.reply.status != 0 ? 1 : 0);
-    }
-    EXPECT_EQ(fatalMessageOf([&] { list(Provider::claude(), u"k"_s, u"no es una url"_s); }),
-              u"La dirección de Anthropic no es válida."_s);
-    server.script({200, "[1]"});
-    EXPECT_TRUE(errorOf<JsonError>([&] { list(Provider::claude(), u"k"_s, server.baseUrl()); }));
 }
