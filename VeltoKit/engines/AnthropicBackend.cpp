@@ -4,6 +4,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include "VeltoKit/core/EnumTable.h"
 #include "VeltoKit/engines/JsonReader.h"
 
 namespace velto {
@@ -64,50 +65,43 @@ QString AnthropicBackend::publicBaseUrl() {
     return QStringLiteral("https://api.anthropic.com/v1");
 }
 
+namespace {
+
+struct EffortTexts {
+    AnthropicBackend::Effort value;
+    QStringView raw;
+    QStringView label;
+};
+
+constexpr EffortTexts effortTexts[] = {
+    {AnthropicBackend::Effort::low, u"low", u"Bajo (rápido y económico)"},
+    {AnthropicBackend::Effort::medium, u"medium", u"Medio"},
+    {AnthropicBackend::Effort::high, u"high", u"Alto"},
+    {AnthropicBackend::Effort::xhigh, u"xhigh", u"Muy alto"},
+    {AnthropicBackend::Effort::max, u"max", u"Máximo (más lento y caro)"},
+};
+static_assert(EnumTable::coversInOrder(effortTexts, AnthropicBackend::Effort::max));
+
+} // namespace
+
 const QList<AnthropicBackend::Effort>& AnthropicBackend::efforts() {
-    static const QList<Effort> all{Effort::low, Effort::medium, Effort::high, Effort::xhigh,
-                                   Effort::max};
+    static const QList<Effort> all = [] {
+        const auto values = EnumTable::values(effortTexts);
+        return QList<Effort>(values.begin(), values.end());
+    }();
     return all;
 }
 
 QString AnthropicBackend::rawValue(Effort effort) {
-    switch (effort) {
-    case Effort::low:
-        return QStringLiteral("low");
-    case Effort::medium:
-        return QStringLiteral("medium");
-    case Effort::high:
-        return QStringLiteral("high");
-    case Effort::xhigh:
-        return QStringLiteral("xhigh");
-    case Effort::max:
-        break;
-    }
-    return QStringLiteral("max");
+    return EnumTable::row(effortTexts, effort).raw.toString();
 }
 
 std::optional<AnthropicBackend::Effort> AnthropicBackend::effortFromRawValue(QStringView raw) {
-    for (Effort effort : efforts()) {
-        if (rawValue(effort) == raw)
-            return effort;
-    }
-    return std::nullopt;
+    return EnumTable::find(effortTexts, &EffortTexts::raw, raw);
 }
 
 QString AnthropicBackend::effortLabel(Effort effort) {
-    switch (effort) {
-    case Effort::low:
-        return QStringLiteral("Bajo (rápido y económico)");
-    case Effort::medium:
-        return QStringLiteral("Medio");
-    case Effort::high:
-        return QStringLiteral("Alto");
-    case Effort::xhigh:
-        return QStringLiteral("Muy alto");
-    case Effort::max:
-        break;
-    }
-    return QStringLiteral("Máximo (más lento y caro)");
+    return EnumTable::row(effortTexts, effort).label.toString();
 }
 
 QString AnthropicBackend::missingKeyMessage(PlatformText::System system) {

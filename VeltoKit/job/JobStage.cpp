@@ -1,55 +1,37 @@
 #include "VeltoKit/job/JobStage.h"
 
-namespace velto {
+#include "VeltoKit/core/EnumTable.h"
 
-const std::array<JobStage, 9>& allJobStages() {
-    static const std::array<JobStage, 9> stages = {
-        JobStage::analyzing,   JobStage::extracting, JobStage::checking,
-        JobStage::translating, JobStage::rebuilding, JobStage::stripping,
-        JobStage::muxing,      JobStage::verifying,  JobStage::done,
-    };
-    return stages;
-}
+namespace velto {
+namespace {
+
+struct StageTexts {
+    JobStage value;
+    QStringView label;
+    QStringView caseName;
+};
+
+constexpr StageTexts stages[] = {
+    {JobStage::analyzing, u"Analizando el archivo", u"analyzing"},
+    {JobStage::extracting, u"Extrayendo la pista", u"extracting"},
+    {JobStage::checking, u"Verificando el motor de traducción", u"checking"},
+    {JobStage::translating, u"Traduciendo", u"translating"},
+    {JobStage::rebuilding, u"Reconstruyendo el subtítulo", u"rebuilding"},
+    {JobStage::stripping, u"Quitando descripciones de sonido", u"stripping"},
+    {JobStage::muxing, u"Escribiendo el MKV", u"muxing"},
+    {JobStage::verifying, u"Verificando el resultado", u"verifying"},
+    {JobStage::done, u"Listo", u"done"},
+};
+static_assert(EnumTable::coversInOrder(stages, JobStage::done));
+
+} // namespace
 
 QString label(JobStage stage) {
-    switch (stage) {
-    case JobStage::analyzing:
-        return QStringLiteral("Analizando el archivo");
-    case JobStage::extracting:
-        return QStringLiteral("Extrayendo la pista");
-    case JobStage::checking:
-        return QStringLiteral("Verificando el motor de traducción");
-    case JobStage::translating:
-        return QStringLiteral("Traduciendo");
-    case JobStage::rebuilding:
-        return QStringLiteral("Reconstruyendo el subtítulo");
-    case JobStage::stripping:
-        return QStringLiteral("Quitando descripciones de sonido");
-    case JobStage::muxing:
-        return QStringLiteral("Escribiendo el MKV");
-    case JobStage::verifying:
-        return QStringLiteral("Verificando el resultado");
-    case JobStage::done:
-        break;
-    }
-    return QStringLiteral("Listo");
-}
-
-std::optional<JobStage> jobStageFromLabel(QStringView text) {
-    for (JobStage stage : allJobStages()) {
-        if (label(stage) == text)
-            return stage;
-    }
-    return std::nullopt;
+    return EnumTable::row(stages, stage).label.toString();
 }
 
 QString caseName(JobStage stage) {
-    static const std::array<QString, 9> names = {
-        QStringLiteral("analyzing"),   QStringLiteral("extracting"), QStringLiteral("checking"),
-        QStringLiteral("translating"), QStringLiteral("rebuilding"), QStringLiteral("stripping"),
-        QStringLiteral("muxing"),      QStringLiteral("verifying"),  QStringLiteral("done"),
-    };
-    return names[static_cast<size_t>(stage)];
+    return EnumTable::row(stages, stage).caseName.toString();
 }
 
 } // namespace velto

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <array>
-#include <optional>
-
 #include <QString>
-#include <QStringView>
 
 namespace velto {
 
@@ -27,12 +23,8 @@ constexpr int ordinal(JobStage stage) {
     return static_cast<int>(stage);
 }
 
-// Every stage in declaration order.
-const std::array<JobStage, 9>& allJobStages();
 // The Spanish label shown to the user; it is also the stage's raw value.
 QString label(JobStage stage);
-// The inverse of label(); exact and case-sensitive.
-std::optional<JobStage> jobStageFromLabel(QStringView label);
 // The case's own name ("translating"), for machine-readable output.
 QString caseName(JobStage stage);
 

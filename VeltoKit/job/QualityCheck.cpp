@@ -2,10 +2,11 @@
 
 #include <algorithm>
 
+#include "VeltoKit/core/EnumTable.h"
 #include "VeltoKit/subtitles/AssDocument.h"
 #include "VeltoKit/subtitles/AssPlaceholders.h"
+#include "VeltoKit/subtitles/CueText.h"
 #include "VeltoKit/subtitles/SubtitleDocument.h"
-#include "VeltoKit/translation/Translator.h"
 
 namespace velto::QualityCheck {
 namespace {
@@ -14,53 +15,6 @@ constexpr qint64 maxCharactersPerSecond = 20;
 constexpr qsizetype maxLineLength = 42;
 constexpr qsizetype maxLines = 2;
 constexpr qsizetype listedCues = 5;
-
-// The last \pN of an ASS override block decides whether what follows is a drawing.
-bool drawingAfter(QStringView block, bool drawing) {
-    for (qsizetype i = 0; i + 2 < block.size(); ++i) {
-        if (block[i] != u'\\' || block[i + 1] != u'p' || !block[i + 2].isDigit())
-            continue;
-        qsizetype end = i + 2;
-        qint64 scale = 0;
-        while (end < block.size() && block[end].isDigit())
-            scale = scale * 10 + block[end++].digitValue();
-        drawing = scale > 0;
-        i = end - 1;
-    }
-    return drawing;
-}
-
-// The position of the '>' that closes a tag opened at `open`; -1 when "<" is just text, as in
-// "I <3 you".
-qsizetype tagEnd(QStringView text, qsizetype open) {
-    qsizetype name = open + 1;
-    if (name < text.size() && text[name] == u'/')
-        ++name;
-    if (name >= text.size() || !text[name].isLetter())
-        return -1;
-    for (qsizetype i = name + 1; i < text.size(); ++i) {
-        if (text[i] == u'>')
-            return i;
-        if (text[i] == u'<' || text[i] == u'\n')
-            return -1;
-    }
-    return -1;
-}
-
-// "⟪3⟫", also padded with spaces as models sometimes write it; -1 when not one.
-qsizetype placeholderEnd(QStringView text, qsizetype open) {
-    qsizetype i = open + 1;
-    while (i < text.size() && text[i].isSpace())
-        ++i;
-    const qsizetype digits = i;
-    while (i < text.size() && text[i].isDigit())
-        ++i;
-    if (i == digits)
-        return -1;
-    while (i < text.size() && text[i].isSpace())
-        ++i;
-    return i < text.size() && text[i] == u'⟫' ? i : -1;
-}
 
 bool isApostrophe(QChar c) {
     return c == u'\'' || c == u'’';
@@ -164,26 +118,27 @@ bool longVisible(QStringView translation) {
     return false;
 }
 
-struct Wording {
+// What a warning and a script call each issue; the warning's noun agrees with its count.
+struct IssueTexts {
+    QualityIssue value;
+    QStringView name;
     QStringView one;
     QStringView many;
 };
 
-Wording wording(QualityIssue issue) {
-    switch (issue) {
-    case QualityIssue::untranslated:
-        return {u"subtítulo quedó sin traducir", u"subtítulos quedaron sin traducir"};
-    case QualityIssue::lost:
-        return {u"subtítulo quedó vacío o incompleto", u"subtítulos quedaron vacíos o incompletos"};
-    case QualityIssue::readingSpeed:
-        return {u"subtítulo se lee a más de 20 caracteres por segundo",
-                u"subtítulos se leen a más de 20 caracteres por segundo"};
-    case QualityIssue::lineLength:
-        break;
-    }
-    return {u"subtítulo tiene renglones de más de 42 caracteres o más de dos renglones",
-            u"subtítulos tienen renglones de más de 42 caracteres o más de dos renglones"};
-}
+constexpr IssueTexts issues[] = {
+    {QualityIssue::untranslated, u"untranslated", u"subtítulo quedó sin traducir",
+     u"subtítulos quedaron sin traducir"},
+    {QualityIssue::lost, u"lost", u"subtítulo quedó vacío o incompleto",
+     u"subtítulos quedaron vacíos o incompletos"},
+    {QualityIssue::readingSpeed, u"readingSpeed",
+     u"subtítulo se lee a más de 20 caracteres por segundo",
+     u"subtítulos se leen a más de 20 caracteres por segundo"},
+    {QualityIssue::lineLength, u"lineLength",
+     u"subtítulo tiene renglones de más de 42 caracteres o más de dos renglones",
+     u"subtítulos tienen renglones de más de 42 caracteres o más de dos renglones"},
+};
+static_assert(EnumTable::coversInOrder(issues, QualityIssue::lineLength));
 
 QString cueReference(const CheckedCue& cue) {
     QString reference = u'#' + QString::number(cue.number);
@@ -194,60 +149,6 @@ QString cueReference(const CheckedCue& cue) {
 
 } // namespace
 
-QString visibleText(QStringView text) {
-    // Written in place into one buffer: this runs twice for every cue of a film.
-    QString shown(text.size(), Qt::Uninitialized);
-    QChar* out = shown.data();
-    qsizetype size = 0;
-    bool drawing = false;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
-        qsizetype skipTo = -1;
-        if (c == u'{') {
-            skipTo = text.indexOf(u'}', i + 1);
-            if (skipTo > i)
-                drawing = drawingAfter(text.sliced(i + 1, skipTo - i - 1), drawing);
-        } else if (c == u'<') {
-            skipTo = tagEnd(text, i);
-        } else if (c == u'⟪') {
-            skipTo = placeholderEnd(text, i);
-        } else if (c == u'\\' && i + 1 < text.size()) {
-            const QChar escape = text[i + 1];
-            if (escape == u'N' || escape == u'n' || escape == u'h') {
-                out[size++] = escape == u'h' ? u' ' : u'\n';
-                ++i;
-                continue;
-            }
-        }
-        if (skipTo > i)
-            i = skipTo;
-        else if (c == u'\n' || (!drawing && c != u'\r'))
-            out[size++] = c;
-    }
-    // Lines trimmed and blank ones dropped, moving text only towards the front.
-    qsizetype kept = 0;
-    for (qsizetype line = 0; line < size;) {
-        qsizetype end = line;
-        while (end < size && out[end] != u'\n')
-            ++end;
-        qsizetype first = line;
-        qsizetype last = end;
-        while (first < last && out[first].isSpace())
-            ++first;
-        while (last > first && out[last - 1].isSpace())
-            --last;
-        if (first < last) {
-            if (kept > 0)
-                out[kept++] = u'\n';
-            for (qsizetype k = first; k < last; ++k)
-                out[kept++] = out[k];
-        }
-        line = end + 1;
-    }
-    shown.truncate(kept);
-    return shown;
-}
-
 qsizetype wordCount(QStringView visible) {
     qsizetype words = 0;
     forEachWord(visible, [&](QStringView) { ++words; });
@@ -255,20 +156,20 @@ qsizetype wordCount(QStringView visible) {
 }
 
 bool isUntranslated(const QString& source, const QString& translation) {
-    return untranslatedVisible(visibleText(source), visibleText(translation));
+    return untranslatedVisible(CueText::visible(source), CueText::visible(translation));
 }
 
 bool isLost(const QString& source, const QString& translation) {
-    const QString shownSource = visibleText(source);
-    return !shownSource.isEmpty() && lostVisible(shownSource, visibleText(translation));
+    const QString shownSource = CueText::visible(source);
+    return !shownSource.isEmpty() && lostVisible(shownSource, CueText::visible(translation));
 }
 
 bool readsTooFast(const CheckedCue& cue) {
-    return fastVisible(visibleText(cue.translation), cue);
+    return fastVisible(CueText::visible(cue.translation), cue);
 }
 
 bool hasLongLines(const QString& translation) {
-    return longVisible(visibleText(translation));
+    return longVisible(CueText::visible(translation));
 }
 
 QList<CheckedCue> cues(const SubtitleDocument& source, const QStringList& translations) {
@@ -292,8 +193,7 @@ QList<CheckedCue> cues(const SubtitleDocument& source, const QStringList& transl
                                     translations[k], AssPlaceholders::protect(written[k]).tokens)
                               : translations[k];
         // Only what was sent is checked: the translator keeps the rest as it was.
-        if (!Translator::isTranslatable(ass ? AssPlaceholders::protect(written[k]).text
-                                            : written[k]))
+        if (!CueText::isTranslatable(ass ? AssPlaceholders::protect(written[k]).text : written[k]))
             continue;
         // Fields 1 and 2 are the start and end for every kind of document.
         if (timings.size() == written.size() && timings[k].fields.size() > 2) {
@@ -308,10 +208,10 @@ QList<CheckedCue> cues(const SubtitleDocument& source, const QStringList& transl
 QList<QualityFinding> inspect(const QList<CheckedCue>& cues) {
     QList<QualityFinding> findings;
     for (const CheckedCue& cue : cues) {
-        const QString source = visibleText(cue.source);
+        const QString source = CueText::visible(cue.source);
         if (source.isEmpty())
             continue;
-        const QString translation = visibleText(cue.translation);
+        const QString translation = CueText::visible(cue.translation);
         if (untranslatedVisible(source, translation)) {
             findings.append({QualityIssue::untranslated, cue});
         } else if (lostVisible(source, translation)) {
@@ -328,20 +228,18 @@ QList<QualityFinding> inspect(const QList<CheckedCue>& cues) {
 
 QStringList warnings(const QList<QualityFinding>& findings) {
     QStringList out;
-    for (const QualityIssue issue : {QualityIssue::untranslated, QualityIssue::lost,
-                                     QualityIssue::readingSpeed, QualityIssue::lineLength}) {
+    for (const IssueTexts& issue : issues) {
         QStringList named;
         qsizetype count = 0;
         for (const QualityFinding& finding : findings) {
-            if (finding.issue != issue)
+            if (finding.issue != issue.value)
                 continue;
             if (++count <= listedCues)
                 named.append(cueReference(finding.cue));
         }
         if (count == 0)
             continue;
-        const Wording words = wording(issue);
-        QString warning = QString::number(count) + u' ' + (count == 1 ? words.one : words.many) +
+        QString warning = QString::number(count) + u' ' + (count == 1 ? issue.one : issue.many) +
                           QStringLiteral(": ") + named.join(QStringLiteral(", "));
         if (count > listedCues)
             warning += QStringLiteral(" y ") + QString::number(count - listedCues) +
@@ -352,17 +250,7 @@ QStringList warnings(const QList<QualityFinding>& findings) {
 }
 
 QString issueName(QualityIssue issue) {
-    switch (issue) {
-    case QualityIssue::untranslated:
-        return QStringLiteral("untranslated");
-    case QualityIssue::lost:
-        return QStringLiteral("lost");
-    case QualityIssue::readingSpeed:
-        return QStringLiteral("readingSpeed");
-    case QualityIssue::lineLength:
-        break;
-    }
-    return QStringLiteral("lineLength");
+    return EnumTable::row(issues, issue).name.toString();
 }
 
 std::optional<qint64> milliseconds(QStringView timestamp) {

@@ -17,10 +17,6 @@ class SubtitleDocument;
 // left in the source language, lines lost, lines too fast or too long to read.
 namespace QualityCheck {
 
-// What a viewer reads: HTML-like tags, ASS override blocks, ASS drawings and translation
-// placeholders left out, \N and \n as line breaks, \h as a space, every line trimmed and blank
-// lines dropped.
-QString visibleText(QStringView text);
 // Words as a reader counts them: runs of letters, "don't" being one.
 qsizetype wordCount(QStringView visible);
 

@@ -1,6 +1,29 @@
 #include "VeltoKit/platform/PlatformText.h"
 
+#include "VeltoKit/core/EnumTable.h"
+
 namespace velto::PlatformText {
+namespace {
+
+struct Words {
+    System value;
+    QStringView installFfmpeg;
+    QStringView keychainName;
+    QStringView thisComputer;
+    QStringView revealInFileBrowser;
+};
+
+constexpr Words words[] = {
+    {System::macOS, u"brew install ffmpeg", u"el Llavero de macOS", u"esta Mac",
+     u"Mostrar en Finder"},
+    {System::gnuLinux, u"sudo apt install ffmpeg", u"el llavero del sistema", u"esta computadora",
+     u"Mostrar en la carpeta"},
+    {System::windows, u"winget install ffmpeg", u"el Administrador de credenciales de Windows",
+     u"esta computadora", u"Mostrar en el Explorador"},
+};
+static_assert(EnumTable::coversInOrder(words, System::windows));
+
+} // namespace
 
 System current() {
 #if defined(Q_OS_MACOS)
@@ -13,44 +36,19 @@ System current() {
 }
 
 QString installFfmpeg(System system) {
-    switch (system) {
-    case System::macOS:
-        return QStringLiteral("brew install ffmpeg");
-    case System::windows:
-        return QStringLiteral("winget install ffmpeg");
-    case System::gnuLinux:
-        break;
-    }
-    return QStringLiteral("sudo apt install ffmpeg");
+    return EnumTable::row(words, system).installFfmpeg.toString();
 }
 
 QString keychainName(System system) {
-    switch (system) {
-    case System::macOS:
-        return QStringLiteral("el Llavero de macOS");
-    case System::windows:
-        return QStringLiteral("el Administrador de credenciales de Windows");
-    case System::gnuLinux:
-        break;
-    }
-    return QStringLiteral("el llavero del sistema");
+    return EnumTable::row(words, system).keychainName.toString();
 }
 
 QString thisComputer(System system) {
-    return system == System::macOS ? QStringLiteral("esta Mac")
-                                   : QStringLiteral("esta computadora");
+    return EnumTable::row(words, system).thisComputer.toString();
 }
 
 QString revealInFileBrowser(System system) {
-    switch (system) {
-    case System::macOS:
-        return QStringLiteral("Mostrar en Finder");
-    case System::windows:
-        return QStringLiteral("Mostrar en el Explorador");
-    case System::gnuLinux:
-        break;
-    }
-    return QStringLiteral("Mostrar en la carpeta");
+    return EnumTable::row(words, system).revealInFileBrowser.toString();
 }
 
 } // namespace velto::PlatformText

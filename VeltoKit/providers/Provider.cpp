@@ -148,31 +148,6 @@ const Provider& Provider::byID(QStringView id) {
     return claude();
 }
 
-QString Provider::rawValue(Flavor flavor) {
-    switch (flavor) {
-    case Flavor::anthropic:
-        return QStringLiteral("anthropic");
-    case Flavor::openAICompatible:
-        return QStringLiteral("openAICompatible");
-    case Flavor::gemini:
-        return QStringLiteral("gemini");
-    case Flavor::claudeCLI:
-        return QStringLiteral("claudeCLI");
-    case Flavor::echo:
-        break;
-    }
-    return QStringLiteral("echo");
-}
-
-std::optional<Provider::Flavor> Provider::flavorFromRawValue(QStringView raw) {
-    for (Flavor flavor : {Flavor::anthropic, Flavor::openAICompatible, Flavor::gemini,
-                          Flavor::claudeCLI, Flavor::echo}) {
-        if (rawValue(flavor) == raw)
-            return flavor;
-    }
-    return std::nullopt;
-}
-
 size_t qHash(const Provider::Preset& preset, size_t seed) {
     return qHashMulti(seed, preset.id, preset.name, preset.baseURL, preset.hint);
 }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 #include <QList>
 #include <QString>
 #include <QStringView>
@@ -55,10 +53,6 @@ struct Provider {
 
     // The entry with exactly this id; anything else is the Anthropic entry.
     static const Provider& byID(QStringView id);
-
-    // "anthropic", "openAICompatible", "gemini", "claudeCLI", "echo"
-    static QString rawValue(Flavor flavor);
-    static std::optional<Flavor> flavorFromRawValue(QStringView raw);
 };
 
 size_t qHash(const Provider::Preset& preset, size_t seed = 0);

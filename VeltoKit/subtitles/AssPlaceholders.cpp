@@ -45,13 +45,17 @@ qsizetype protectedAt(QStringView text, qsizetype at) {
         const QChar escape = text[at + 1];
         return escape == u'N' || escape == u'n' || escape == u'h' ? 2 : 0;
     }
-    return placeholderAt(text, at).first;
+    return placeholderLength(text, at);
 }
 
 } // namespace
 
 QString placeholder(qsizetype number) {
     return u'⟪' + QString::number(number) + u'⟫';
+}
+
+qsizetype placeholderLength(QStringView text, qsizetype at) {
+    return placeholderAt(text, at).first;
 }
 
 Protected protect(QStringView text) {

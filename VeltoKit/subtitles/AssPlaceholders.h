@@ -24,5 +24,8 @@ QString restore(QStringView text, const QStringList& tokens);
 
 // "⟪number⟫"
 QString placeholder(qsizetype number);
+// The length of the placeholder that starts at `at`, also padded with blanks as models sometimes
+// write it; 0 when none does.
+qsizetype placeholderLength(QStringView text, qsizetype at);
 
 } // namespace velto::AssPlaceholders

@@ -1,61 +1,51 @@
 #include "VeltoKit/translation/SpanishVariant.h"
 
+#include "VeltoKit/core/EnumTable.h"
+
 namespace velto {
+namespace {
+
+struct VariantTexts {
+    SpanishVariant value;
+    QStringView raw;
+    QStringView label;
+    QStringView dialect;
+};
+
+constexpr VariantTexts variants[] = {
+    {SpanishVariant::neutro, u"neutro", u"Neutro (recomendado)",
+     u"español neutro latinoamericano, sin modismos de ningún país en particular"},
+    {SpanishVariant::rioplatense, u"rioplatense", u"Rioplatense (voseo)",
+     u"español rioplatense (Argentina/Uruguay): voseo, «vos tenés», «mirá», sin «tú» ni "
+     u"«vosotros»"},
+    {SpanishVariant::latino, u"latino", u"Latinoamericano",
+     u"español latinoamericano estándar de doblaje, con «tú» y sin «vosotros»"},
+    {SpanishVariant::espana, u"espana", u"España",
+     u"español de España: uso de «vosotros», «vale», registro peninsular"},
+};
+static_assert(EnumTable::coversInOrder(variants, SpanishVariant::espana));
+
+} // namespace
+
+const std::array<SpanishVariant, 4>& allSpanishVariants() {
+    static constexpr std::array<SpanishVariant, 4> all = EnumTable::values(variants);
+    return all;
+}
 
 QString rawValue(SpanishVariant variant) {
-    switch (variant) {
-    case SpanishVariant::neutro:
-        return QStringLiteral("neutro");
-    case SpanishVariant::rioplatense:
-        return QStringLiteral("rioplatense");
-    case SpanishVariant::latino:
-        return QStringLiteral("latino");
-    case SpanishVariant::espana:
-        return QStringLiteral("espana");
-    }
-    Q_UNREACHABLE();
-    return {};
+    return EnumTable::row(variants, variant).raw.toString();
 }
 
 QString label(SpanishVariant variant) {
-    switch (variant) {
-    case SpanishVariant::neutro:
-        return QStringLiteral("Neutro (recomendado)");
-    case SpanishVariant::rioplatense:
-        return QStringLiteral("Rioplatense (voseo)");
-    case SpanishVariant::latino:
-        return QStringLiteral("Latinoamericano");
-    case SpanishVariant::espana:
-        return QStringLiteral("España");
-    }
-    Q_UNREACHABLE();
-    return {};
+    return EnumTable::row(variants, variant).label.toString();
 }
 
 QString dialectDescription(SpanishVariant variant) {
-    switch (variant) {
-    case SpanishVariant::neutro:
-        return QStringLiteral(
-            "español neutro latinoamericano, sin modismos de ningún país en particular");
-    case SpanishVariant::rioplatense:
-        return QStringLiteral("español rioplatense (Argentina/Uruguay): voseo, «vos tenés», "
-                              "«mirá», sin «tú» ni «vosotros»");
-    case SpanishVariant::latino:
-        return QStringLiteral(
-            "español latinoamericano estándar de doblaje, con «tú» y sin «vosotros»");
-    case SpanishVariant::espana:
-        return QStringLiteral("español de España: uso de «vosotros», «vale», registro peninsular");
-    }
-    Q_UNREACHABLE();
-    return {};
+    return EnumTable::row(variants, variant).dialect.toString();
 }
 
 std::optional<SpanishVariant> spanishVariantFromRawValue(QStringView raw) {
-    for (SpanishVariant variant : allSpanishVariants()) {
-        if (raw == rawValue(variant))
-            return variant;
-    }
-    return std::nullopt;
+    return EnumTable::find(variants, &VariantTexts::raw, raw);
 }
 
 } // namespace velto

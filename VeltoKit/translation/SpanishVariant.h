@@ -12,10 +12,7 @@ namespace velto {
 enum class SpanishVariant : quint8 { neutro, rioplatense, latino, espana };
 
 // Every case, in the order pickers show them.
-constexpr std::array<SpanishVariant, 4> allSpanishVariants() {
-    return {SpanishVariant::neutro, SpanishVariant::rioplatense, SpanishVariant::latino,
-            SpanishVariant::espana};
-}
+const std::array<SpanishVariant, 4>& allSpanishVariants();
 
 // "neutro", "rioplatense", "latino", "espana"
 QString rawValue(SpanishVariant variant);

@@ -1,16 +1,14 @@
 #include "VeltoKit/translation/Translator.h"
 
 #include <algorithm>
-#include <atomic>
-#include <exception>
-#include <mutex>
 #include <stdexcept>
-#include <thread>
 #include <vector>
 
-#include <QRegularExpression>
+#include <QScopeGuard>
 
+#include "VeltoKit/core/BoundedTasks.h"
 #include "VeltoKit/core/VeltoError.h"
+#include "VeltoKit/subtitles/CueText.h"
 #include "VeltoKit/translation/BlockProtocol.h"
 #include "VeltoKit/translation/TranslationBackend.h"
 #include "VeltoKit/translation/TranslationCache.h"
@@ -19,24 +17,19 @@
 
 namespace velto {
 
-// What the worker threads of one translateAll share.
+// What the batches of one translateAll share.
 struct Translator::Run {
-    Run(const QStringList& texts, qsizetype translatable, const ProgressHandler& onProgress,
-        std::stop_token callerStop)
+    Run(const QStringList& texts, qsizetype translatable, const ProgressHandler& onProgress)
         : texts(texts)
         , results(texts.cbegin(), texts.cend())
-        , state(translatable, onProgress)
-        , followCaller(std::move(callerStop), [this] { stopSource.request_stop(); }) {}
+        , state(translatable, onProgress) {}
 
     const QStringList& texts;
-    // One slot per text, written only by the worker that owns its batch.
+    // One slot per text, written only by the task that owns its batch.
     std::vector<QString> results;
     // Cache key per text; empty without a cache and for texts that are never sent.
     std::vector<QString> keys;
     TranslatorState state;
-    // Stopped by the caller or by the first fatal error, which halts every sibling batch.
-    std::stop_source stopSource;
-    std::stop_callback<std::function<void()>> followCaller;
 };
 
 namespace {
@@ -74,46 +67,6 @@ QString systemPromptFor(const QString& sourceLanguage, SpanishVariant variant) {
                           "- Si un bloque ya está en español, devolvelo igual.");
 }
 
-// An ASS override placeholder (⟪0⟫) or an HTML-like style tag.
-const QRegularExpression& markPattern() {
-    static const QRegularExpression mark(QStringLiteral("⟪\\d+⟫|</?[A-Za-z][^<>]*>"),
-                                         QRegularExpression::UseUnicodePropertiesOption);
-    return mark;
-}
-
-// Most subtitles have no marks at all; this spares them the regular expression.
-bool mayHoldMarks(QStringView text) {
-    return text.contains(u'⟪') || text.contains(u'<');
-}
-
-// The formatting marks of a text, in order.
-QStringList formattingMarks(const QString& text) {
-    if (!mayHoldMarks(text))
-        return {};
-    QStringList marks;
-    for (const QRegularExpressionMatch& match : markPattern().globalMatch(text))
-        marks.append(match.captured(0));
-    return marks;
-}
-
-// No words for a model: empty, blank, only style marks, or an ASS vector drawing (coordinates
-// after the override tag that turns drawing on, "⟪1⟫m 0 0 l 100 0 100 100"). Sent, the first
-// come back as "[ES]" or worse, and a drawing as "translated" coordinates.
-bool nothingToTranslate(const QString& text) {
-    static const QRegularExpression tagFirst(QStringLiteral("^\\s*⟪\\d+⟫"),
-                                             QRegularExpression::UseUnicodePropertiesOption);
-    static const QRegularExpression drawing(
-        QStringLiteral("^\\s*m(\\s+-?\\d+(\\.\\d+)?){2}(\\s+([mnlbspc]|-?\\d+(\\.\\d+)?))*\\s*$"),
-        QRegularExpression::UseUnicodePropertiesOption);
-    if (!mayHoldMarks(text))
-        return QStringView(text).trimmed().isEmpty();
-    if (QString(text).remove(markPattern()).trimmed().isEmpty())
-        return true;
-    // Tags between drawing commands separate them like spaces.
-    return tagFirst.match(text).hasMatch() &&
-           drawing.match(QString(text).replace(markPattern(), QStringLiteral(" "))).hasMatch();
-}
-
 } // namespace
 
 Translator::Translator(std::shared_ptr<const TranslationBackend> backend, QString sourceLanguage,
@@ -129,10 +82,6 @@ Translator::Translator(std::shared_ptr<const TranslationBackend> backend, QStrin
     , m_systemPrompt(systemPromptFor(m_sourceLanguage, m_variant)) {
     if (!m_backend || m_batchSize < 1 || m_contextLines < 0 || m_concurrency < 1)
         throw std::invalid_argument("Translator needs a backend, batches and workers");
-}
-
-bool Translator::isTranslatable(const QString& text) {
-    return !nothingToTranslate(text);
 }
 
 QString Translator::prompt(const QStringList& texts, const QList<qsizetype>& indices) const {
@@ -164,15 +113,15 @@ Translator::Result Translator::translateAll(const QStringList& texts,
         return {};
     QList<qsizetype> translatable;
     for (qsizetype position = 0; position < texts.size(); ++position) {
-        if (!nothingToTranslate(texts[position]))
+        if (CueText::isTranslatable(texts[position]))
             translatable.append(position);
     }
-    Run run(texts, translatable.size(), onProgress, std::move(stop));
+    Run run(texts, translatable.size(), onProgress);
     const QList<qsizetype> pending = answerFromCache(run, translatable);
     QList<QList<qsizetype>> batches;
     for (qsizetype start = 0; start < pending.size(); start += m_batchSize)
         batches.append(pending.mid(start, m_batchSize));
-    runBatches(run, batches);
+    runBatches(run, batches, std::move(stop));
     return {QStringList(run.results.cbegin(), run.results.cend()), run.state.warnings(),
             run.state.progress()};
 }
@@ -198,48 +147,26 @@ QList<qsizetype> Translator::answerFromCache(Run& run, const QList<qsizetype>& t
     return pending;
 }
 
-void Translator::runBatches(Run& run, const QList<QList<qsizetype>>& batches) const {
-    const std::stop_token stop = run.stopSource.get_token();
-    std::atomic<qsizetype> next = 0;
-    std::mutex errorMutex;
-    std::exception_ptr firstError;
-    auto fail = [&](std::exception_ptr error) {
-        std::lock_guard lock(errorMutex);
-        if (!firstError)
-            firstError = std::move(error);
-        run.stopSource.request_stop();
-    };
-    auto work = [&] {
-        try {
-            for (qsizetype batch = next++; batch < batches.size() && !stop.stop_requested();
-                 batch = next++) {
-                runBatch(run, batches[batch]);
+void Translator::runBatches(Run& run, const QList<QList<qsizetype>>& batches,
+                            std::stop_token stop) const {
+    // What was translated stays in the cache however the run ends.
+    const auto flush = qScopeGuard([this] {
+        if (m_cache)
+            m_cache->flush();
+    });
+    // A fatal error leaves a batch and so stops every sibling.
+    BoundedTasks(m_concurrency)
+        .run(
+            batches.size(),
+            [&](qsizetype batch, std::stop_token shared) {
+                runBatch(run, batches[batch], shared);
                 if (m_cache)
                     m_cache->flushIfDue(TranslationCache::Clock::now());
-            }
-        } catch (const Cancelled&) {
-            // Expected once a stop was requested: by the caller, or by a sibling's error.
-            if (!stop.stop_requested())
-                fail(std::current_exception());
-        } catch (...) {
-            fail(std::current_exception());
-        }
-    };
-    {
-        std::vector<std::jthread> workers;
-        const qint64 count = std::min<qint64>(m_concurrency, batches.size());
-        for (qint64 i = 0; i < count; ++i)
-            workers.emplace_back(work);
-    }
-    if (m_cache)
-        m_cache->flush();
-    if (firstError)
-        std::rethrow_exception(firstError);
-    throwIfStopped(stop);
+            },
+            std::move(stop));
 }
 
-void Translator::runBatch(Run& run, const QList<qsizetype>& indices) const {
-    const std::stop_token stop = run.stopSource.get_token();
+void Translator::runBatch(Run& run, const QList<qsizetype>& indices, std::stop_token stop) const {
     throwIfStopped(stop);
     std::optional<QStringList> translations;
     QString failure;
@@ -269,8 +196,8 @@ void Translator::runBatch(Run& run, const QList<qsizetype>& indices) const {
     run.state.addWarning(QStringLiteral("Lote de ") + QString::number(size) +
                          QStringLiteral(" reintentado en dos mitades (") + failure + u')');
     // The halves take turns in this batch's slot, so halving never exceeds the concurrency.
-    runBatch(run, indices.first(size / 2));
-    runBatch(run, indices.sliced(size / 2));
+    runBatch(run, indices.first(size / 2), stop);
+    runBatch(run, indices.sliced(size / 2), stop);
 }
 
 QStringList Translator::request(const QStringList& texts, const QList<qsizetype>& indices,
@@ -308,16 +235,10 @@ void Translator::accept(Run& run, const QList<qsizetype>& indices,
 
 void Translator::checkPlaceholders(const QString& original, const QString& translated,
                                    TranslatorState& state) {
-    QStringList unmatched = formattingMarks(translated);
-    for (const QString& mark : formattingMarks(original)) {
-        if (!unmatched.removeOne(mark)) {
-            // The source text names the line; its breaks become spaces to keep warnings on one
-            // line each.
-            state.addWarning(QStringLiteral("Se perdieron etiquetas de estilo en: ") +
-                             QString(original).replace(u'\n', u' '));
-            return;
-        }
-    }
+    // The source text names the line; its breaks become spaces to keep warnings on one line each.
+    if (!CueText::keepsFormatting(original, translated))
+        state.addWarning(QStringLiteral("Se perdieron etiquetas de estilo en: ") +
+                         QString(original).replace(u'\n', u' '));
 }
 
 } // namespace velto

@@ -39,9 +39,6 @@ public:
                SpanishVariant variant, qint64 batchSize, qint64 contextLines, qint64 concurrency,
                std::shared_ptr<TranslationCache> cache);
 
-    // False for the texts translateAll keeps as they are without asking the engine.
-    static bool isTranslatable(const QString& text);
-
     QString systemPrompt() const { return m_systemPrompt; }
     // The request for the texts at `indices` (positions into `texts`, in order, never empty),
     // preceded by up to contextLines source lines as context.
@@ -58,8 +55,8 @@ private:
     struct Run;
 
     QList<qsizetype> answerFromCache(Run& run, const QList<qsizetype>& translatable) const;
-    void runBatches(Run& run, const QList<QList<qsizetype>>& batches) const;
-    void runBatch(Run& run, const QList<qsizetype>& indices) const;
+    void runBatches(Run& run, const QList<QList<qsizetype>>& batches, std::stop_token stop) const;
+    void runBatch(Run& run, const QList<qsizetype>& indices, std::stop_token stop) const;
     QStringList request(const QStringList& texts, const QList<qsizetype>& indices,
                         std::stop_token stop) const;
     void accept(Run& run, const QList<qsizetype>& indices, const QStringList& translations) const;

@@ -33,29 +33,22 @@ TEST(BlockProtocol, BuildsTextsVerbatimAndSplitsAnswersBackIntoNumberedBodies) {
 }
 
 // Raw values are what settings and the command line store: only the exact ones name a variant.
-TEST(SpanishVariant, OnlyTheExactRawValuesNameAVariantInPickerOrder) {
-    const QStringList raws = {u"neutro"_s, u"rioplatense"_s, u"latino"_s, u"espana"_s};
-    for (qsizetype k = 0; k < raws.size(); ++k)
-        EXPECT_EQ(spanishVariantFromRawValue(raws[k]), allSpanishVariants().at(k));
+TEST(SpanishVariant, OnlyTheExactRawValuesNameAVariant) {
+    EXPECT_EQ(spanishVariantFromRawValue(u"espana"), SpanishVariant::espana);
     for (QStringView raw : {u"españa", u"Neutro", u""})
         EXPECT_EQ(spanishVariantFromRawValue(raw), std::nullopt);
 }
 
-TEST(Prompts, SystemPromptAndRequestsCarryTheirExactTexts) {
-    const auto translator = [](qint64 contextLines) {
-        return Translator(std::make_shared<EchoBackend>(), u"japonés"_s,
-                          SpanishVariant::rioplatense, 10, contextLines, 1, nullptr);
+TEST(Prompts, TheSystemPromptNamesItsLanguageAndDialectAndRequestsTheirBlocks) {
+    const auto translator = [](qint64 contextLines, SpanishVariant variant) {
+        return Translator(std::make_shared<EchoBackend>(), u"japonés"_s, variant, 10, contextLines,
+                          1, nullptr);
     };
-    const QString system = translator(0).systemPrompt();
-    for (const QString& piece :
-         {u"Sos un traductor profesional de subtítulos para cine y series. Traducís del japonés "
-          u"al español.\n\nRecibís bloques numerados con marcadores de la forma #@#N#@#."_s,
-          u"\n4. Conservá tal cual, sin traducir ni reordenar, cualquier marca de la forma ⟪0⟫, "
-          u"⟪1⟫, etc."_s,
-          u"\n\nCRITERIO DE TRADUCCIÓN:\n- Registro: español rioplatense (Argentina/Uruguay): "
-          u"voseo, «vos tenés», «mirá», sin «tú» ni «vosotros».\n- Natural y hablado"_s})
-        EXPECT_TRUE(system.contains(piece)) << piece.toStdString();
-    EXPECT_TRUE(system.endsWith(u".\n- Si un bloque ya está en español, devolvelo igual."));
+    for (SpanishVariant variant : allSpanishVariants()) {
+        const QString system = translator(0, variant).systemPrompt();
+        EXPECT_TRUE(system.contains(u"Traducís del japonés al español."));
+        EXPECT_TRUE(system.contains(u"\n- Registro: "_s + dialectDescription(variant) + u".\n"_s));
+    }
 
     const QString context = u"CONTEXTO PREVIO (líneas anteriores en el idioma original; NO las "
                             u"traduzcas ni las incluyas en la respuesta, son solo para que "
@@ -71,5 +64,5 @@ TEST(Prompts, SystemPromptAndRequestsCarryTheirExactTexts) {
         {3, {0, 1}, ask(2) + u"#@#1#@#\nHi.\n#@#2#@#\n- Who?\n- Me."_s},
     };
     for (const auto& [contextLines, indices, prompt] : rows)
-        EXPECT_EQ(translator(contextLines).prompt(texts, indices), prompt);
+        EXPECT_EQ(translator(contextLines, SpanishVariant::neutro).prompt(texts, indices), prompt);
 }
