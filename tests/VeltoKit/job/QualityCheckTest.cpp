@@ -109,8 +109,6 @@ TEST(QualityCheck, WarningsNameUpToFiveCuesByNumberAndStartTime) {
               QStringList{u"8 subtítulos se leen a más de 20 caracteres por segundo: #1 "
                           u"(1:01:01), #2 (1:02:02), #3 (1:03:03), #4 (1:04:04), #5 (1:05:05) "
                           u"y 3 más."_s});
-    EXPECT_EQ(QualityCheck::warnings({finding(QualityIssue::lost, 4, 9'500)}),
-              QStringList{u"1 subtítulo quedó vacío o incompleto: #4 (0:09)."_s});
     EXPECT_EQ(QualityCheck::warnings({}), QStringList());
 }
 

@@ -10,6 +10,7 @@
 
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/translation/BlockProtocol.h"
+#include "VeltoKit/translation/SingleCueTranslator.h"
 #include "VeltoKit/translation/TranslationBackend.h"
 #include "VeltoKit/translation/TranslationCache.h"
 #include "VeltoKit/translation/TranslationError.h"
@@ -51,6 +52,7 @@ protected:
             texts.append(text);
         std::unique_lock lock(mutex);
         requests.append(texts);
+        prompts.append(prompt);
         lock.unlock();
         QList<std::pair<int, QString>> blocks;
         for (const QString& translation : answer(texts, stop))
@@ -62,11 +64,13 @@ protected:
                            std::shared_ptr<TranslationCache> cache = nullptr,
                            std::stop_token stop = {},
                            const Translator::ProgressHandler& onProgress = nullptr) {
-        // Not owned: the fixture outlives every translation.
-        const std::shared_ptr<const TranslationBackend> engine(std::shared_ptr<void>(), this);
-        return Translator(engine, u"inglés"_s, SpanishVariant::neutro, batchSize, 1, concurrency,
+        return Translator(engine(), u"inglés"_s, SpanishVariant::neutro, batchSize, 1, concurrency,
                           std::move(cache))
             .translateAll(texts, onProgress, stop);
+    }
+    // Not owned: the fixture outlives every translation.
+    std::shared_ptr<const TranslationBackend> engine() const {
+        return {std::shared_ptr<void>(), this};
     }
     std::shared_ptr<TranslationCache> cache() const {
         return std::make_shared<TranslationCache>(dir.filePath(u"video.json"_s), u"s"_s);
@@ -87,6 +91,7 @@ protected:
 
     std::function<QStringList(const QStringList& texts, std::stop_token stop)> answer = echoed;
     mutable QList<QStringList> requests;
+    mutable QStringList prompts;
     mutable std::mutex mutex;
     mutable std::condition_variable_any changed;
     mutable int held = 0;
@@ -94,21 +99,6 @@ protected:
 };
 
 } // namespace
-
-TEST_F(TranslatorTest, ResultsGoByPositionWhateverOrderBatchesEndIn) {
-    answer = [&](const QStringList& texts, std::stop_token) {
-        std::unique_lock lock(mutex);
-        // The first batch ends only after the second did.
-        if (texts.first() == u"0") {
-            EXPECT_TRUE(changed.wait_for(lock, patience, [&] { return held == 1; }));
-        }
-        held += texts.first() == u"2";
-        changed.notify_all();
-        return echoed(texts);
-    };
-    const QStringList texts = numberedTexts(4);
-    EXPECT_EQ(run(texts, 2, 2).translations, echoed(texts));
-}
 
 TEST_F(TranslatorTest, HalvesAFailingBatchDownToSingleTextsAndCountsOnlyTheHopelessOnes) {
     // Drops the last block of every answer with several texts; one text is always refused.
@@ -141,48 +131,35 @@ TEST_F(TranslatorTest, WarnsWhenStyleMarksGetLostButKeepsTheTranslation) {
                            u"Se perdieron etiquetas de estilo en: <b>Sí</b> <b>No</b>"_s}));
 }
 
-TEST_F(TranslatorTest, BatchesOnlyTheTextsMissingFromTheCacheAndReportsProgress) {
+TEST_F(TranslatorTest, BatchesOnlyTheTextsWithWordsMissingFromTheCacheAndCountsOnlyThose) {
     const auto shared = cache();
-    const QStringList texts = numberedTexts(6);
+    // Placeholders alone are no words: kept as they are, never sent nor counted.
+    const QStringList texts = numberedTexts(6) << u"⟪1⟫⟪2⟫"_s;
     for (const QString& text : {texts[1], texts[4]})
         shared->put(shared->key(text), u"guardado "_s + text);
     QList<TranslationProgress> reported;
     const auto result =
         run(texts, 2, 1, shared, {}, [&](const TranslationProgress& p) { reported.append(p); });
     EXPECT_EQ(requests, (QList<QStringList>{{u"0"_s, u"2"_s}, {u"3"_s, u"5"_s}}));
-    EXPECT_EQ(result.translations, (QStringList{u"[ES] 0"_s, u"guardado 1"_s, u"[ES] 2"_s,
-                                                u"[ES] 3"_s, u"guardado 4"_s, u"[ES] 5"_s}));
+    EXPECT_EQ(result.translations,
+              (QStringList{u"[ES] 0"_s, u"guardado 1"_s, u"[ES] 2"_s, u"[ES] 3"_s, u"guardado 4"_s,
+                           u"[ES] 5"_s, texts[6]}));
     EXPECT_EQ(reported, (QList<TranslationProgress>{{6, 2, 2, 0}, {6, 4, 2, 0}, {6, 6, 2, 0}}));
     // Everything is cached now: the engine is not asked again.
     EXPECT_EQ(run(texts, 2, 1, shared).progress, (TranslationProgress{6, 6, 6, 0}));
     EXPECT_EQ(requests.size(), 2);
 }
 
-TEST_F(TranslatorTest, KeepsTextsWithoutWordsAsTheyAreAndCountsOnlyTheOthers) {
-    const QStringList texts = {u""_s, u"Hola"_s, u"⟪1⟫⟪2⟫"_s, u"<i>Sí</i>"_s};
-    QList<TranslationProgress> reported;
-    const auto result =
-        run(texts, 40, 1, cache(), {}, [&](const TranslationProgress& p) { reported.append(p); });
-    EXPECT_EQ(requests, (QList<QStringList>{{texts[1], texts[3]}}));
-    EXPECT_EQ(result.translations,
-              (QStringList{texts[0], u"[ES] Hola"_s, texts[2], u"[ES] <i>Sí</i>"_s}));
-    EXPECT_EQ(reported, (QList<TranslationProgress>{{2, 0, 0, 0}, {2, 2, 0, 0}}));
-    EXPECT_EQ(run(texts, 40, 1, cache()).progress, (TranslationProgress{2, 2, 2, 0}));
-    EXPECT_EQ(requests.size(), 1);
-}
-
-TEST_F(TranslatorTest, AFatalErrorOnTheThirdBatchStopsItsSiblingAndNothingMoreStarts) {
-    answer = [&](const QStringList& texts, std::stop_token stop) {
-        if (texts.first() == u"2")
-            holdUntilStopped(stop);
-        if (texts.first() == u"4" && awaitHeld(1))
+TEST_F(TranslatorTest, AFatalErrorOnTheThirdBatchEndsTheTranslationUnhalved) {
+    answer = [&](const QStringList& texts, std::stop_token) {
+        if (texts.first() == u"4")
             throw TranslationError::fatal(u"El modelo no existe."_s);
         return echoed(texts);
     };
-    EXPECT_EQ(test::fatalMessageOf([&] { run(numberedTexts(12), 2, 2, cache()); }),
+    EXPECT_EQ(test::fatalMessageOf([&] { run(numberedTexts(12), 2, 1, cache()); }),
               u"El modelo no existe."_s);
     EXPECT_EQ(requests.size(), 3);
-    EXPECT_EQ(cache()->count(), 2);
+    EXPECT_EQ(cache()->count(), 4); // the first two batches
 }
 
 TEST_F(TranslatorTest, CancelStopsRequestsInFlightAndARerunAsksOnlyForWhatWasMissing) {
@@ -210,4 +187,29 @@ TEST_F(TranslatorTest, CancelStopsRequestsInFlightAndARerunAsksOnlyForWhatWasMis
     EXPECT_EQ(result.translations, echoed(texts));
     EXPECT_EQ(result.progress.cached, 3);
     EXPECT_EQ(requests, QList<QStringList>{texts.sliced(3)});
+}
+
+// The second chance of a text: alone, with the translator's prompts and context.
+TEST_F(TranslatorTest, SingleCuesKeepOnlyWholeAnswersAndStopQuietlyAtAFatalError) {
+    answer = [](const QStringList& texts, std::stop_token) {
+        const QString text = texts.value(0);
+        if (text == u"cuatro")
+            throw TranslationError::transient(u"se cortó"_s);
+        if (text == u"cinco")
+            throw TranslationError::fatal(u"clave rechazada"_s);
+        // A block too many, a lost placeholder, or whole.
+        return text == u"dos"       ? QStringList{u"two"_s, u"de más"_s}
+               : text == u"⟪1⟫tres" ? QStringList{u"three"_s}
+                                    : QStringList{text.toUpper()};
+    };
+    const Translator translator(engine(), u"inglés"_s, SpanishVariant::neutro, 40, 1, 1, nullptr);
+    const QStringList texts = {u"uno"_s,    u"dos"_s,   u"⟪1⟫tres"_s,
+                               u"cuatro"_s, u"cinco"_s, u"seis"_s};
+    QList<qint64> progress;
+    EXPECT_EQ(SingleCueTranslator(translator, engine(), 1)
+                  .translate(texts, {0, 1, 2, 3, 4, 5},
+                             [&](qint64 asked) { progress.append(asked); }, {}),
+              (QList<std::optional<QString>>{u"UNO"_s, {}, {}, {}, {}, {}}));
+    EXPECT_EQ(progress, (QList<qint64>{1, 2, 3, 4, 5})) << "nothing is asked after a fatal error";
+    EXPECT_EQ(prompts.value(2), translator.prompt(texts, {2}));
 }
