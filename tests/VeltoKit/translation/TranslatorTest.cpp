@@ -193,10 +193,9 @@ TEST_F(TranslatorTest, CancelStopsRequestsInFlightAndARerunAsksOnlyForWhatWasMis
 TEST_F(TranslatorTest, SingleCuesKeepOnlyWholeAnswersAndStopQuietlyAtAFatalError) {
     answer = [](const QStringList& texts, std::stop_token) {
         const QString text = texts.value(0);
-        if (text == u"cuatro")
-            throw TranslationError::transient(u"se cortó"_s);
-        if (text == u"cinco")
-            throw TranslationError::fatal(u"clave rechazada"_s);
+        if (text == u"cuatro" || text == u"cinco")
+            throw text == u"cinco" ? TranslationError::fatal(u"falló"_s)
+                                   : TranslationError::transient(u"falló"_s);
         // A block too many, a lost placeholder, or whole.
         return text == u"dos"       ? QStringList{u"two"_s, u"de más"_s}
                : text == u"⟪1⟫tres" ? QStringList{u"three"_s}
