@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 #include "VeltoKit/subtitles/TextDecoder.h"
-#include "tests/support/SubtitleInvariants.h"
+#include "support/SubtitleInvariants.h"
 
 namespace velto::fuzz {
 
