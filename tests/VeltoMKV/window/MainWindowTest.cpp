@@ -4,7 +4,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
@@ -95,17 +94,6 @@ protected:
         return release.isAccepted();
     }
 
-    // Saves the window as "main-<phase>-<scale>.png" under the build folder.
-    void snapshot(const QString& phase) {
-        QApplication::processEvents();
-        const QString folder = QStringLiteral(VELTO_BINARY_DIR "/screenshots");
-        QDir().mkpath(folder);
-        const int scale = qRound(window().devicePixelRatioF() * 100);
-        const QString file =
-            folder + u"/main-"_s + phase + u'-' + QString::number(scale) + u".png"_s;
-        EXPECT_TRUE(window().grab().save(file)) << file.toStdString();
-    }
-
     void openReady(const QString& video) {
         ASSERT_TRUE(drop(window().dropZone(), {QUrl::fromLocalFile(video)}));
         ASSERT_TRUE(reaches(Kind::ready)) << state().phase().message().toStdString();
@@ -130,7 +118,6 @@ TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
     EXPECT_TRUE(menuEntries.contains(u"Abrir… "_s + QKeySequence(QKeySequence::Open).toString()))
         << menuEntries.join(u'|').toStdString();
     EXPECT_EQ(window().currentPage(), window().dropZone());
-    snapshot(u"idle"_s);
 
     auto image = track(u"fre"_s);
     image.format = MediaFixtures::SubtitleFormat::pgs;
@@ -139,7 +126,6 @@ TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
                                        track(u"eng"_s, u"English"_s), track(u"jpn"_s), image});
     ASSERT_TRUE(drop(window().dropZone(), {QUrl::fromLocalFile(video)}));
     EXPECT_EQ(state().phase().kind(), Kind::inspecting);
-    snapshot(u"inspecting"_s);
     ASSERT_TRUE(reaches(Kind::ready)) << state().phase().message().toStdString();
 
     JobView* view = window().jobView();
@@ -155,15 +141,11 @@ TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
     EXPECT_EQ(view->engineLine()->text(), shell.preferences().engineConfiguration().summary());
     EXPECT_EQ(view->outputLine()->text(), u"Película.es.mkv"_s);
     EXPECT_FALSE(view->notice()->isVisible());
-    snapshot(u"ready"_s);
 
-    // The snapshot of work in progress is taken at the first report of the running job.
+    // The job's first report finds the window on its progress page.
     bool working = false;
     QObject::connect(&state(), &AppState::progressChanged, &window(), [&] {
-        if (!working && state().phase().kind() == Kind::working) {
-            working = true;
-            snapshot(u"working"_s);
-        }
+        working = working || window().currentPage() == window().progressView();
     });
     QTest::keyClick(&window(), Qt::Key_Return);
     EXPECT_EQ(window().currentPage(), window().progressView());
@@ -176,7 +158,6 @@ TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
     EXPECT_EQ(result->revealButton()->text(), PlatformText::revealInFileBrowser());
     EXPECT_FALSE(result->removals()->isVisible());
     EXPECT_TRUE(QFileInfo::exists(work.path(u"Película.es.mkv"_s)));
-    snapshot(u"finished"_s);
 
     QTest::mouseClick(result->anotherButton(), Qt::LeftButton);
     EXPECT_EQ(state().phase().kind(), Kind::idle);
@@ -268,7 +249,6 @@ TEST_F(MainWindowTest, AFileWithoutSubtitlesFailsWithTheExactSentence) {
     EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](QLabel* label) {
         return label->text() == u"No pude completar el trabajo"_s;
     }));
-    snapshot(u"failed"_s);
 
     // "Reintentar" probes the same file again; "Empezar de nuevo" forgets it.
     QTest::mouseClick(failure->retryButton(), Qt::LeftButton);
@@ -345,7 +325,6 @@ TEST_F(MainWindowTest, OptionsAndEngineLineFollowThePreferences) {
     QTest::mouseClick(view->optionsDisclosure(), Qt::LeftButton);
     auto* options = window().findChild<OptionsPanel*>();
     ASSERT_TRUE(options && options->isVisible());
-    snapshot(u"ready-options"_s);
 
     QTest::mouseClick(options->stripSDHToggle(), Qt::LeftButton, {},
                       QPoint(8, options->stripSDHToggle()->height() / 2));
@@ -369,7 +348,6 @@ TEST_F(MainWindowTest, OptionsAndEngineLineFollowThePreferences) {
     EXPECT_EQ(view->startButton()->toolTip(), missing);
     QTest::keyClick(&window(), Qt::Key_Return);
     EXPECT_EQ(state().phase().kind(), Kind::ready);
-    snapshot(u"ready-no-engine"_s);
 
     // The engine button presents the settings; choosing the echo engine there readies the line.
     QPushButton* choose = nullptr;
@@ -409,7 +387,6 @@ TEST_F(MainWindowTest, TheRunsWarningsShowInTheirPanel) {
         << texts.join(u'|').toStdString();
     for (const QString& warning : warnings)
         EXPECT_TRUE(texts.contains(u"• "_s + warning)) << warning.toStdString();
-    snapshot(u"finished-warnings"_s);
 }
 
 // A machine where ffmpeg is nowhere to be found.
@@ -426,7 +403,6 @@ TEST_F(MainWindowWithoutFfmpegTest, TheWarningShowsAndAVideoFailsToLoadWithIt) {
     EXPECT_FALSE(state().ffmpegReady());
     EXPECT_TRUE(window().ffmpegWarning()->isVisible());
     EXPECT_EQ(window().ffmpegWarning()->text(), missing);
-    snapshot(u"idle-no-ffmpeg"_s);
 
     MediaFixtures::writeFile(work.path(u"Movie.mkv"_s), "whatever");
     ASSERT_TRUE(drop(window().dropZone(), {QUrl::fromLocalFile(work.path(u"Movie.mkv"_s))}));
@@ -457,47 +433,6 @@ TEST_F(MainWindowTest, StrippingShowsItsCountAndClosingDuringAJobLeavesNothing) 
     EXPECT_EQ(state().phase().kind(), Kind::ready);
     ASSERT_TRUE(settles());
     EXPECT_EQ(work.entries(), QStringList{u"Movie.mkv"_s});
-}
-
-} // namespace
-
-namespace {
-
-// A dark palette as a dark desktop theme gives it, to see that every text stays readable.
-QPalette darkPalette() {
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(0x2b, 0x2b, 0x2e));
-    dark.setColor(QPalette::WindowText, QColor(0xe8, 0xe8, 0xea));
-    dark.setColor(QPalette::Base, QColor(0x1f, 0x1f, 0x22));
-    dark.setColor(QPalette::AlternateBase, QColor(0x34, 0x34, 0x38));
-    dark.setColor(QPalette::Text, QColor(0xe8, 0xe8, 0xea));
-    dark.setColor(QPalette::Button, QColor(0x3a, 0x3a, 0x3e));
-    dark.setColor(QPalette::ButtonText, QColor(0xe8, 0xe8, 0xea));
-    dark.setColor(QPalette::Highlight, QColor(0x3d, 0x7e, 0xe0));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    dark.setColor(QPalette::Link, QColor(0x7a, 0xb0, 0xff));
-    dark.setColor(QPalette::Mid, QColor(0x5a, 0x5a, 0x60));
-    dark.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9a, 0xa2));
-    dark.setColor(QPalette::Disabled, QPalette::Text, QColor(0x80, 0x80, 0x86));
-    dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x80, 0x80, 0x86));
-    dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x80, 0x80, 0x86));
-    return dark;
-}
-
-TEST_F(MainWindowTest, DarkPaletteScreenshots) {
-    const QPalette light = QApplication::palette();
-    QApplication::setPalette(darkPalette());
-    snapshot(u"idle-dark"_s);
-    openReady(work.video(u"Película.mkv"_s, {track(u"eng"_s, u"English"_s), track(u"spa"_s)}));
-    snapshot(u"ready-dark"_s);
-    QTest::keyClick(&window(), Qt::Key_Return);
-    ASSERT_TRUE(reaches(Kind::failed));
-    EXPECT_EQ(
-        window().failureView()->message()->text(),
-        u"El archivo ya tiene subtítulos en español. Activá «Traducir igual» si querés hacerlo de "
-        "todos modos."_s);
-    snapshot(u"failed-dark"_s);
-    QApplication::setPalette(light);
 }
 
 } // namespace
