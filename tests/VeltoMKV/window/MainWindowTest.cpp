@@ -155,6 +155,7 @@ TEST_F(MainWindowTest, DropTranslateAndSeeTheResult) {
     ResultView* result = window().resultView();
     EXPECT_EQ(window().currentPage(), result);
     EXPECT_EQ(result->outputName()->text(), u"Película.es.mkv"_s);
+    EXPECT_EQ(state().result()->translatedCount, 3);
     EXPECT_EQ(result->revealButton()->text(), PlatformText::revealInFileBrowser());
     EXPECT_FALSE(result->removals()->isVisible());
     EXPECT_TRUE(QFileInfo::exists(work.path(u"Película.es.mkv"_s)));
@@ -230,10 +231,17 @@ TEST_F(MainWindowTest, EscapeCancelsAndTheFileAndChosenTrackStay) {
     EXPECT_EQ(state().phase().kind(), Kind::ready);
     EXPECT_EQ(window().currentPage(), window().jobView());
     ASSERT_TRUE(settles());
+    // The late reports and the end of the cancelled run changed nothing.
     EXPECT_EQ(state().phase().kind(), Kind::ready);
+    EXPECT_EQ(state().progress(), JobUpdate{});
+    EXPECT_FALSE(state().result());
     EXPECT_EQ(state().selectedTrack(), 3);
     EXPECT_EQ(tracks->currentRow(), 1);
     EXPECT_EQ(work.entries(), QStringList{u"Movie.mkv"_s});
+
+    // And the same file starts again.
+    QTest::keyClick(&window(), Qt::Key_Return);
+    ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
 }
 
 TEST_F(MainWindowTest, AFileWithoutSubtitlesFailsWithTheExactSentence) {
