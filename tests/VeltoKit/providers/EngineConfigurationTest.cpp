@@ -24,24 +24,6 @@ EngineConfiguration setup(const Provider& provider, const QString& key, const QS
 
 } // namespace
 
-TEST(Provider, CatalogueOrderLookupAndPresets) {
-    QStringList ids;
-    for (const Provider& provider : Provider::all())
-        ids << provider.id;
-    EXPECT_EQ(ids, QStringList({u"anthropic"_s, u"openai"_s, u"gemini"_s, u"meta"_s, u"local"_s,
-                                u"custom"_s, u"claudeCLI"_s, u"echo"_s}));
-    for (const QString& unknown : {u""_s, u"Anthropic"_s, u"nonexistent"_s})
-        EXPECT_EQ(Provider::byID(unknown), Provider::claude()) << unknown.toStdString();
-    EXPECT_EQ(Provider::byID(u"echo"), Provider::echo());
-
-    // The first local preset and the OpenRouter preset are the providers' own defaults.
-    EXPECT_EQ(Provider::local().presets().size(), 3);
-    EXPECT_EQ(Provider::local().presets().first().baseURL, Provider::local().defaultBaseURL);
-    EXPECT_EQ(Provider::custom().presets().size(), 6);
-    EXPECT_EQ(Provider::custom().presets().first().baseURL, Provider::custom().defaultBaseURL);
-    EXPECT_TRUE(Provider::openAI().presets().isEmpty());
-}
-
 TEST(EngineConfiguration, SaysWhatIsMissingAndNamesItself) {
     struct Row {
         EngineConfiguration configuration;

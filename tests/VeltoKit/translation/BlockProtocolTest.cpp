@@ -32,37 +32,28 @@ TEST(BlockProtocol, BuildsTextsVerbatimAndSplitsAnswersBackIntoNumberedBodies) {
         EXPECT_EQ(BlockProtocol::split(answer), blocks) << answer.toStdString();
 }
 
-// Raw values are what settings and the command line store: only the exact ones name a variant.
-TEST(SpanishVariant, OnlyTheExactRawValuesNameAVariant) {
-    EXPECT_EQ(spanishVariantFromRawValue(u"espana"), SpanishVariant::espana);
-    for (QStringView raw : {u"españa", u"Neutro", u""})
-        EXPECT_EQ(spanishVariantFromRawValue(raw), std::nullopt);
-}
-
-TEST(Prompts, TheSystemPromptNamesItsLanguageAndDialectAndRequestsTheirBlocks) {
-    const auto translator = [](qint64 contextLines, SpanishVariant variant) {
-        return Translator(std::make_shared<EchoBackend>(), u"japonés"_s, variant, 10, contextLines,
-                          1, nullptr);
-    };
-    for (SpanishVariant variant : allSpanishVariants()) {
-        const QString system = translator(0, variant).systemPrompt();
-        EXPECT_TRUE(system.contains(u"Traducís del japonés al español."));
-        EXPECT_TRUE(system.contains(u"\n- Registro: "_s + dialectDescription(variant) + u".\n"_s));
-    }
-
-    const QString context = u"CONTEXTO PREVIO (líneas anteriores en el idioma original; NO las "
-                            u"traduzcas ni las incluyas en la respuesta, son solo para que "
-                            u"entiendas la escena):\n"_s;
-    const auto ask = [](int n) {
-        return u"Traducí los siguientes %1 bloques. Devolvé los %1 bloques con sus marcadores "
-               u"#@#N#@#, nada más.\n\nBLOQUES A TRADUCIR:\n"_s.arg(n);
-    };
+// The wording of the prompts is the translator's own; what a test can hold it to is which
+// texts go where: the previous lines as context, the asked ones as blocks, the language named.
+TEST(Prompts, QuoteOnlyTheLinesBeforeTheBatchAsContextAndAskForTheBatchAsBlocks) {
     const QStringList texts = {u"Hi."_s, u"- Who?\n- Me."_s, u"Run!"_s, u"Go."_s};
-    const std::tuple<qint64, QList<qsizetype>, QString> rows[] = {
-        {3, {1, 2}, context + u"Hi.\n\n"_s + ask(2) + u"#@#1#@#\n- Who?\n- Me.\n#@#2#@#\nRun!"_s},
-        {2, {3}, context + u"- Who?\n- Me.\nRun!\n\n"_s + ask(1) + u"#@#1#@#\nGo."_s},
-        {3, {0, 1}, ask(2) + u"#@#1#@#\nHi.\n#@#2#@#\n- Who?\n- Me."_s},
-    };
-    for (const auto& [contextLines, indices, prompt] : rows)
-        EXPECT_EQ(translator(contextLines, SpanishVariant::neutro).prompt(texts, indices), prompt);
+    const std::tuple<qint64, QList<qsizetype>, QList<qsizetype>> rows[] = {
+        {3, {1, 2}, {0}}, {2, {3}, {1, 2}}, {1, {3}, {2}}, {3, {0, 1}, {}}};
+    for (const auto& [contextLines, indices, context] : rows) {
+        const Translator translator(std::make_shared<EchoBackend>(), u"japonés"_s,
+                                    SpanishVariant::neutro, 10, contextLines, 1, nullptr);
+        EXPECT_TRUE(translator.systemPrompt().contains(u"japonés"_s));
+        const QString prompt = translator.prompt(texts, indices);
+        const qsizetype header = prompt.lastIndexOf(BlockProtocol::header());
+        std::vector<std::pair<int, QString>> blocks;
+        for (qsizetype index : indices)
+            blocks.emplace_back(static_cast<int>(blocks.size() + 1), texts[index]);
+        EXPECT_EQ(BlockProtocol::split(prompt.sliced(header)),
+                  (std::map<int, QString>(blocks.begin(), blocks.end())));
+        for (qsizetype i = 0; i < texts.size(); ++i) {
+            if (indices.contains(i))
+                continue;
+            EXPECT_EQ(prompt.first(header).contains(texts[i]), context.contains(i))
+                << contextLines << ' ' << i;
+        }
+    }
 }
