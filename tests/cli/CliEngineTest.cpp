@@ -1,10 +1,9 @@
-#include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include "CliHome.h"
 #include "support/ChatCompletionsServer.h"
 #include "support/MediaFixtures.h"
 #include "support/SecretService.h"
@@ -15,15 +14,11 @@ using namespace velto::test;
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    QString out;
-    QString err;
-};
+using Outcome = CliOutcome;
 
-// veltomkv-cli as a new user runs it against a local OpenAI-compatible server: a home of its
-// own (settings, cache, temporary files) and the private credential store of the test run.
-class CliEngineTest : public testing::Test {
+// veltomkv-cli as a new user runs it against a local OpenAI-compatible server, with the private
+// credential store of the test run.
+class CliEngineTest : public CliHome {
 protected:
     void SetUp() override {
         if (!usePrivateSecretService())
@@ -31,44 +26,18 @@ protected:
 #if !defined(Q_OS_LINUX)
         GTEST_SKIP() << "would store keys in this user's own credential store";
 #endif
-        ASSERT_TRUE(m_root.isValid());
-        QDir(m_root.path()).mkpath(u"tmp"_s);
-        m_environment = QProcessEnvironment::systemEnvironment();
-        for (const QString& variable :
-             {u"VELTOMKV_API_KEY"_s, u"OPENAI_API_KEY"_s, u"ANTHROPIC_API_KEY"_s})
-            m_environment.remove(variable);
-        m_environment.insert(u"TMPDIR"_s, path(u"tmp"_s));
-        m_environment.insert(u"XDG_DATA_HOME"_s, path(u"data"_s));
-        m_environment.insert(u"XDG_CONFIG_HOME"_s, path(u"config"_s));
+        CliHome::SetUp();
     }
 
-    QString path(const QString& name) const {
-        return QDir(m_root.path()).filePath(name);
-    }
-
+    // Every output of the run is kept, to look for the key in it.
     Outcome run(const QStringList& arguments, const QByteArray& input = {}) {
-        QProcess process;
-        process.setProcessEnvironment(m_environment);
-        process.start(QStringLiteral(VELTO_CLI_PATH), arguments);
-        process.write(input);
-        process.closeWriteChannel();
-        process.waitForFinished(-1);
-        const Outcome outcome{process.exitCode(),
-                              QString::fromUtf8(process.readAllStandardOutput()),
-                              QString::fromUtf8(process.readAllStandardError())};
+        const Outcome outcome = CliHome::run(arguments, input);
         m_everything += outcome.out + outcome.err;
         return outcome;
     }
 
     QStringList engine(const ChatCompletionsServer& server, const QStringList& more) const {
         return QStringList{u"--provider"_s, u"custom"_s, u"--base-url"_s, server.baseUrl()} + more;
-    }
-
-    QString video(const QStringList& lines) const {
-        MediaFixtures::VideoRecipe recipe;
-        recipe.subtitles = {{.language = u"eng"_s, .lines = lines}};
-        MediaFixtures::writeVideo(path(u"Película.mkv"_s), recipe);
-        return path(u"Película.mkv"_s);
     }
 
     // The cue texts of the Spanish track of `video`.
@@ -80,8 +49,6 @@ protected:
         return QString::fromUtf8(ffmpeg.readAllStandardOutput());
     }
 
-    QTemporaryDir m_root;
-    QProcessEnvironment m_environment;
     QString m_everything;
 };
 
@@ -99,8 +66,9 @@ TEST_F(CliEngineTest, ANewUserStoresAKeyListsModelsChecksAndTranslates) {
     EXPECT_EQ(check.out, u"Otro servicio respondió correctamente. Todo listo.\n"_s)
         << check.err.toStdString();
 
-    const QString source = video({u"Hello there."_s, u"How are you?"_s, u"Fine, thanks."_s,
-                                  u"Good night."_s, u"See you."_s});
+    const QString source =
+        englishVideo(u"Película.mkv"_s, {u"Hello there."_s, u"How are you?"_s, u"Fine, thanks."_s,
+                                         u"Good night."_s, u"See you."_s});
     const Outcome translated = run(engine(
         server, {u"--model"_s, u"modelo-a"_s, u"--batch-size"_s, u"4"_s, u"--no-cache"_s, source}));
     ASSERT_EQ(translated.status, 0) << translated.err.toStdString();

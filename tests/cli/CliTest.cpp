@@ -5,11 +5,10 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include "CliHome.h"
 #include "VeltoKit/media/Shell.h"
 #include "support/Eventually.h"
 #include "support/MediaFixtures.h"
@@ -21,35 +20,15 @@ using namespace velto;
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    QString out;
-    QString err;
-};
+using Outcome = test::CliOutcome;
 
-// veltomkv-cli as a user runs it: its own process, its own temporary and data folders.
-class CliTest : public testing::Test {
+// With the engine a user chose in the app: here the offline one.
+class CliTest : public test::CliHome {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(m_root.isValid());
-        QDir(m_root.path()).mkpath(u"tmp"_s);
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"TMPDIR"_s, path(u"tmp"_s));
-        environment.insert(u"XDG_DATA_HOME"_s, path(u"data"_s));
-        // The engine a user chose in the app: here the offline one.
-        environment.insert(u"XDG_CONFIG_HOME"_s, path(u"config"_s));
-        QDir(m_root.path()).mkpath(u"config/VeltoMKV"_s);
+        CliHome::SetUp();
         MediaFixtures::writeFile(path(u"config/VeltoMKV/VeltoMKV.conf"_s),
                                  "[General]\nproviderID=echo\n");
-        m_process.setProcessEnvironment(environment);
-    }
-
-    QString path(const QString& name) const { return QDir(m_root.path()).filePath(name); }
-
-    void setEnvironment(const QString& name, const QString& value) {
-        QProcessEnvironment environment = m_process.processEnvironment();
-        environment.insert(name, value);
-        m_process.setProcessEnvironment(environment);
     }
 
     // Everything in the temporary folder and beside the videos that the test did not put there.
@@ -65,40 +44,12 @@ protected:
         return found;
     }
 
-    void start(const QStringList& arguments) {
-        m_process.start(QStringLiteral(VELTO_CLI_PATH), arguments);
-        ASSERT_TRUE(m_process.waitForStarted());
-    }
-
-    Outcome finish() {
-        m_process.waitForFinished(-1);
-        return {m_process.exitCode(), QString::fromUtf8(m_process.readAllStandardOutput()),
-                QString::fromUtf8(m_process.readAllStandardError())};
-    }
-
-    Outcome run(const QStringList& arguments) {
-        start(arguments);
-        return finish();
-    }
-
-    QString englishVideo(const QString& name) const {
-        MediaFixtures::VideoRecipe recipe;
-        MediaFixtures::SubtitleRecipe english;
-        english.language = u"eng"_s;
-        recipe.subtitles = {english};
-        MediaFixtures::writeVideo(path(name), recipe);
-        return path(name);
-    }
-
     static QList<QJsonObject> events(const QString& out) {
         QList<QJsonObject> objects;
         for (const QString& line : out.split(u'\n', Qt::SkipEmptyParts))
             objects.append(QJsonDocument::fromJson(line.toUtf8()).object());
         return objects;
     }
-
-    QTemporaryDir m_root;
-    QProcess m_process;
 };
 
 } // namespace
@@ -178,13 +129,12 @@ TEST_F(CliTest, RefusesWhatItCannotDoInItsOwnWordsAndLeavesNothing) {
                           u"No tengo permiso para escribir en la "
                           "carpeta «%1/read-only». Elegí otra carpeta para guardar el resultado.\n"
                           "Desde la terminal, elegí dónde guardarlo con --output ARCHIVO.\n"_s});
-    const QProcessEnvironment usual = m_process.processEnvironment();
+    const QProcessEnvironment usual = m_environment;
     for (const Case& refusal : cases) {
         SCOPED_TRACE(refusal.arguments.join(u' ').toStdString());
-        QProcessEnvironment environment = usual;
+        m_environment = usual;
         if (!refusal.environment.first.isEmpty())
-            environment.insert(refusal.environment.first, refusal.environment.second);
-        m_process.setProcessEnvironment(environment);
+            m_environment.insert(refusal.environment.first, refusal.environment.second);
         const Outcome outcome = run(refusal.arguments);
         EXPECT_EQ(outcome.status, 1);
         EXPECT_EQ(outcome.err, QString(refusal.err)
@@ -201,7 +151,7 @@ TEST_F(CliTest, RefusesWhatItCannotDoInItsOwnWordsAndLeavesNothing) {
 
     // A name that looks like an option is a file after "--"; an output already there is replaced
     // and the user is told so.
-    m_process.setProcessEnvironment(usual);
+    m_environment = usual;
     m_process.setWorkingDirectory(root);
     QFile::rename(english, path(u"-trailer.mkv"_s));
     MediaFixtures::writeFile(path(u"-trailer.es.mkv"_s), "old");
@@ -320,8 +270,8 @@ TEST_F(CliTest, NothingIsLeftBehindHoweverTheMuxEnds) {
          141,
          QString()},
     };
-    setEnvironment(u"HOME"_s, path(u"home"_s));
-    setEnvironment(u"VELTO_TEST_ROOT"_s, m_root.path());
+    m_environment.insert(u"HOME"_s, path(u"home"_s));
+    m_environment.insert(u"VELTO_TEST_ROOT"_s, m_root.path());
     const QStringList videos = {u"Movie.mkv"_s, u"Next.mkv"_s, u"home"_s};
     for (const Case& ending : cases) {
         SCOPED_TRACE(ending.name.toStdString());
@@ -332,9 +282,11 @@ TEST_F(CliTest, NothingIsLeftBehindHoweverTheMuxEnds) {
             QFile::remove(path(name)); // a failed case must not fail the next
         }
         const bool piped = ending.arguments.first() == u"|";
-        setEnvironment(u"VELTO_TEST_MUX"_s, ending.name.contains(u"SIGTERM before")
-                                                ? u"stubborn"_s
-                                                : (ending.end || piped ? u"wait"_s : u"full"_s));
+        m_environment.insert(u"VELTO_TEST_MUX"_s,
+                             ending.name.contains(u"SIGTERM before")
+                                 ? u"stubborn"_s
+                                 : (ending.end || piped ? u"wait"_s : u"full"_s));
+        m_process.setProcessEnvironment(m_environment);
         if (piped)
             m_process.start(u"/bin/bash"_s,
                             {u"-c"_s, ending.arguments[1], QStringLiteral(VELTO_CLI_PATH), source});
