@@ -68,13 +68,10 @@ TEST(EngineConfiguration, BuildsTheEngineOfEachFlavorWithItsAddressTrimmed) {
         std::dynamic_pointer_cast<const OpenAICompatibleBackend>(local.makeBackend(http));
     ASSERT_TRUE(openAI);
     EXPECT_EQ(openAI->baseUrl(), u"http://h:1/v1"_s);
-    EXPECT_EQ(openAI->label(), u"Modelo local"_s);
-    EXPECT_EQ(openAI->timeout(), 600);
 
     const auto anthropic = std::dynamic_pointer_cast<const AnthropicBackend>(
         setup(Provider::claude(), u"k"_s, {}).makeBackend(http));
     ASSERT_TRUE(anthropic);
-    EXPECT_EQ(anthropic->model(), u"claude-opus-5"_s);
     EXPECT_EQ(anthropic->effort(), Effort::medium);
 
     const auto gemini = std::dynamic_pointer_cast<const GeminiBackend>(

@@ -376,27 +376,6 @@ TEST_F(MainWindowTest, OptionsAndEngineLineFollowThePreferences) {
     EXPECT_FALSE(shell.settings().isPresented());
 }
 
-TEST_F(MainWindowTest, TheRunsWarningsShowInTheirPanel) {
-    // A line that reads as a block marker makes the engine's answer unusable for its cue: the
-    // cue stays in English and the run warns about it.
-    auto odd = track(u"eng"_s);
-    odd.lines = {u"Hello there."_s, u"Wait\n#@#9#@#"_s, u"Fine, thanks."_s};
-    openReady(work.video(u"Movie.mkv"_s, {odd}));
-    QTest::keyClick(&window(), Qt::Key_Return);
-    ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
-    const QStringList warnings = state().warnings();
-    ASSERT_GE(warnings.size(), 2);
-    QWidget* panel = window().resultView()->warningsPanel();
-    EXPECT_TRUE(panel->isVisible());
-    QStringList texts;
-    for (QLabel* label : panel->findChildren<QLabel*>())
-        texts << label->text();
-    EXPECT_TRUE(texts.contains(QString::number(warnings.size()) + u" avisos"_s))
-        << texts.join(u'|').toStdString();
-    for (const QString& warning : warnings)
-        EXPECT_TRUE(texts.contains(u"• "_s + warning)) << warning.toStdString();
-}
-
 // A machine where ffmpeg is nowhere to be found.
 class MainWindowWithoutFfmpegTest : public MainWindowTest {
 protected:
@@ -419,18 +398,33 @@ TEST_F(MainWindowWithoutFfmpegTest, TheWarningShowsAndAVideoFailsToLoadWithIt) {
     EXPECT_TRUE(window().ffmpegWarning()->isVisible());
 }
 
-TEST_F(MainWindowTest, StrippingShowsItsCountAndClosingDuringAJobLeavesNothing) {
+TEST_F(MainWindowTest, WarningsAndRemovalsShowAndClosingDuringAJobLeavesNothing) {
+    // Stripping takes the description and the speaker's label; a line that reads as a block
+    // marker makes the engine's answer unusable for its cue, which stays in English with a
+    // warning.
     shell.preferences().setStripSDH(true);
-    auto sdh = track(u"eng"_s);
-    sdh.lines = {u"[DOOR SLAMS]"_s, u"JOHN: Hello there."_s, u"How are you?"_s};
-    openReady(work.video(u"Movie.mkv"_s, {sdh}));
+    auto odd = track(u"eng"_s);
+    odd.lines = {u"[DOOR SLAMS]"_s, u"JOHN: Hello there."_s, u"Wait\n#@#9#@#"_s,
+                 u"Fine, thanks."_s};
+    openReady(work.video(u"Movie.mkv"_s, {odd}));
     QTest::keyClick(&window(), Qt::Key_Return);
     ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
-    EXPECT_TRUE(window().resultView()->removals()->isVisible());
-    EXPECT_EQ(window().resultView()->removals()->text(),
+    ResultView* result = window().resultView();
+    EXPECT_TRUE(result->removals()->isVisible());
+    EXPECT_EQ(result->removals()->text(),
               u"Descripciones quitadas: "_s +
                   QString::number(state().result()->removedDescriptions));
     EXPECT_GE(state().result()->removedDescriptions, 2);
+    const QStringList warnings = state().warnings();
+    ASSERT_GE(warnings.size(), 2);
+    EXPECT_TRUE(result->warningsPanel()->isVisible());
+    QStringList texts;
+    for (QLabel* label : result->warningsPanel()->findChildren<QLabel*>())
+        texts << label->text();
+    EXPECT_TRUE(texts.contains(QString::number(warnings.size()) + u" avisos"_s))
+        << texts.join(u'|').toStdString();
+    for (const QString& warning : warnings)
+        EXPECT_TRUE(texts.contains(u"• "_s + warning)) << warning.toStdString();
     QFile::remove(work.path(u"Movie.es.mkv"_s));
 
     openReady(work.path(u"Movie.mkv"_s));
