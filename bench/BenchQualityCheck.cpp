@@ -32,8 +32,9 @@ void review(benchmark::State& state, const SubtitleDocument& document,
     const Translator translator(engine, QStringLiteral("inglés"), SpanishVariant::neutro, 40, 4, 3,
                                 nullptr);
     const QualityReview reviewer(translator, engine, 3, nullptr);
+    const Translator::Result translated{.translations = translations};
     for (auto _ : state) {
-        const QualityReview::Outcome outcome = reviewer.run(document, translations, {}, {}, {});
+        const QualityReview::Outcome outcome = reviewer.run(document, translated, {}, {});
         benchmark::DoNotOptimize(QualityCheck::warnings(outcome.findings));
     }
 }

@@ -280,7 +280,8 @@ QString helpText() {
         "  veltomkv-cli --provider echo Pelicula.mkv\n"
         "\n"
         "Salida: 0 si todo salió bien, 1 si falló algún video (o el chequeo), 2 si las\n"
-        "opciones no son válidas y 130 si lo cancelaste con Ctrl-C.\n"
+        "opciones no son válidas, 3 si se escribió todo pero quedaron subtítulos sin traducir\n"
+        "(cuántos: «failed» en el resultado de --json) y 130 si lo cancelaste con Ctrl-C.\n"
         "Si se cierra la salida (por ejemplo, con | head), cancela, limpia y sale con 141.\n");
 }
 

@@ -51,7 +51,8 @@ int CliRunner::run(std::stop_token stop, const std::function<bool()>& wasInterru
     for (const QString& video : m_options.videos) {
         m_reporter.started(video);
         try {
-            runOne(video, stop);
+            if (runOne(video, stop) > 0 && status == success)
+                status = partlyUntranslated;
         } catch (const Cancelled&) {
             m_reporter.cancelled(video);
             return cancelStatus();
@@ -73,15 +74,16 @@ int CliRunner::run(std::stop_token stop, const std::function<bool()>& wasInterru
     return status;
 }
 
-void CliRunner::runOne(const QString& video, std::stop_token stop) {
+qint64 CliRunner::runOne(const QString& video, std::stop_token stop) {
     if (m_options.listTracks) {
         m_reporter.tracks(video, m_ffmpeg.inspect(video, stop));
-        return;
+        return 0;
     }
     const TranslationJob job(m_ffmpeg, m_backend, m_options.job, m_cacheDirectory);
     const JobResult result = job.run(
         video, [this](const JobUpdate& update) { m_reporter.update(update); }, stop);
     m_reporter.finished(video, result);
+    return result.failedLines;
 }
 
 } // namespace velto::cli

@@ -18,11 +18,14 @@ namespace velto::cli {
 class Reporter;
 
 // Exit statuses of the command line.
-// A closed reader ends the run as SIGPIPE would have, after the clean-up.
+// A closed reader ends the run as SIGPIPE would have, after the clean-up. A video written with
+// cues still in the source language is neither a success nor a failure; a failure of another
+// video outweighs it.
 enum ExitStatus : int {
     success = 0,
     jobFailed = 1,
     badUsage = 2,
+    partlyUntranslated = 3,
     interrupted = 130,
     outputGone = 141
 };
@@ -38,7 +41,8 @@ public:
     int run(std::stop_token stop, const std::function<bool()>& wasInterrupted);
 
 private:
-    void runOne(const QString& video, std::stop_token stop);
+    // The number of cues the written track holds untranslated.
+    qint64 runOne(const QString& video, std::stop_token stop);
 
     CliOptions m_options;
     FFmpeg m_ffmpeg;

@@ -114,7 +114,11 @@ void HumanReporter::finished(const QString& video, const JobResult& result) {
         counts.append(QString::number(result.failedLines) + QStringLiteral(" sin traducir"));
     counts.append(secondsText(result.elapsed));
 
-    QString text = QStringLiteral("Listo: ") + QFileInfo(video).fileName() + QStringLiteral(" → ") +
+    // A track partly in the source language is no "Listo".
+    const QString outcome = result.failedLines > 0
+                                ? QStringLiteral("Escrito con subtítulos sin traducir: ")
+                                : QStringLiteral("Listo: ");
+    QString text = outcome + QFileInfo(video).fileName() + QStringLiteral(" → ") +
                    result.outputURL + u'\n' + QStringLiteral("  ") +
                    counts.join(QStringLiteral("  ·  ")) + u'\n';
     if (!result.warnings.isEmpty()) {

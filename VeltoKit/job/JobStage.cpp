@@ -21,8 +21,9 @@ constexpr StageTexts stages[] = {
     {JobStage::muxing, u"Escribiendo el MKV", u"muxing"},
     {JobStage::verifying, u"Verificando el resultado", u"verifying"},
     {JobStage::done, u"Listo", u"done"},
+    {JobStage::reviewing, u"Consultando de nuevo lo que volvió mal", u"reviewing"},
 };
-static_assert(EnumTable::coversInOrder(stages, JobStage::done));
+static_assert(EnumTable::coversInOrder(stages, JobStage::reviewing));
 
 } // namespace
 

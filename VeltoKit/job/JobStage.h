@@ -5,7 +5,7 @@
 namespace velto {
 
 // Where a job is. The declaration order is the ordinal, not the order a job runs through
-// (stripping runs before checking).
+// (stripping runs before checking, reviewing right after translating).
 enum class JobStage : quint8 {
     analyzing,
     extracting,
@@ -16,6 +16,8 @@ enum class JobStage : quint8 {
     muxing,
     verifying,
     done,
+    // Cues that came back wrong asked again, one by one, after the translation.
+    reviewing,
 };
 
 // The position in the declaration order, from 0.

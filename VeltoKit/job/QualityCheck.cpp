@@ -164,6 +164,20 @@ bool isLost(const QString& source, const QString& translation) {
     return !shownSource.isEmpty() && lostVisible(shownSource, CueText::visible(translation));
 }
 
+bool carriesExtra(const QString& source, const QString& translation) {
+    if (translation.contains(QStringLiteral("#@#")))
+        return true;
+    // Bodies come trimmed, so a blank line is one between two others.
+    for (const QStringView line : QStringView(translation).split(u'\n')) {
+        if (line.trimmed().isEmpty() && !translation.trimmed().isEmpty())
+            return true;
+    }
+    const QString shownSource = CueText::visible(source);
+    const QString shown = CueText::visible(translation);
+    return shown.count(u'\n') > shownSource.count(u'\n') + 1 ||
+           shown.size() > 2 * shownSource.size() + 12;
+}
+
 bool readsTooFast(const CheckedCue& cue) {
     return fastVisible(CueText::visible(cue.translation), cue);
 }

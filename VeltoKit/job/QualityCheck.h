@@ -26,6 +26,10 @@ qsizetype wordCount(QStringView visible);
 bool isUntranslated(const QString& source, const QString& translation);
 // Empty, or under a third of the source's characters for a source of three words or more.
 bool isLost(const QString& source, const QString& translation);
+// Holds what its source does not: a block marker, a blank line, two lines more than the source,
+// or more than twice its length and a dozen characters; what a model says around its blocks
+// ends up there.
+bool carriesExtra(const QString& source, const QString& translation);
 // More than 20 visible characters per second on screen; a line break counts as one.
 bool readsTooFast(const CheckedCue& cue);
 // A line of more than 42 visible characters, or more than two lines.

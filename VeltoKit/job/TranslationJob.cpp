@@ -16,6 +16,7 @@
 #include "VeltoKit/subtitles/Subtitles.h"
 #include "VeltoKit/translation/TranslationBackend.h"
 #include "VeltoKit/translation/TranslationCache.h"
+#include "VeltoKit/translation/TranslationError.h"
 #include "VeltoKit/translation/Translator.h"
 
 namespace velto {
@@ -168,28 +169,33 @@ private:
                 report(JobStage::translating, progressDetail(progress), progress.fraction());
             },
             m_stop);
-        // Blank cues and drawings were kept, not translated.
-        m_result.translatedCount = result.progress.total - result.progress.failed;
-        m_result.failedLines = result.progress.failed;
-        m_result.warnings = result.warnings;
         return review(document, translator, cache, result);
     }
 
-    // Cues left untranslated get one more request each, counted in the same progress.
+    // Counts are the written track's: a cue the second asking fixed is translated. A job whose
+    // engine answered nothing at all writes nothing.
     QStringList review(const SubtitleDocument& document, const Translator& translator,
                        const std::shared_ptr<TranslationCache>& cache,
                        const Translator::Result& result) {
         const QualityReview::Outcome reviewed =
             QualityReview(translator, m_backend, m_options.concurrency, cache)
                 .run(
-                    document, result.translations, result.progress,
-                    [&](const TranslationProgress& progress) {
-                        report(JobStage::translating, progressDetail(progress),
-                               progress.fraction());
+                    document, result,
+                    [&](qint64 asked, qint64 count) {
+                        report(JobStage::reviewing,
+                               QString::number(asked) + QStringLiteral(" de ") +
+                                   QString::number(count),
+                               static_cast<double>(asked) / static_cast<double>(count));
                     },
                     m_stop);
+        // Blank cues and drawings were kept, not translated.
+        const qint64 sent = result.progress.total;
+        if (sent > 0 && reviewed.untranslated == sent && !result.engineFailure.isEmpty())
+            throw TranslationError::fatal(result.engineFailure);
+        m_result.translatedCount = sent - reviewed.untranslated;
+        m_result.failedLines = reviewed.untranslated;
         m_result.qualityFindings = reviewed.findings;
-        m_result.warnings += QualityCheck::warnings(reviewed.findings);
+        m_result.warnings = reviewed.warnings;
         return reviewed.translations;
     }
 

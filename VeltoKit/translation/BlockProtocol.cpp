@@ -14,6 +14,14 @@ QStringView trimLineFeeds(QStringView text) {
     return text;
 }
 
+// ICU's $ ends a line only before "\n": an answer with Windows line ends would have no markers
+// at all.
+QString unixLineEnds(QString response) {
+    if (response.contains(u'\r'))
+        response.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
+    return response;
+}
+
 } // namespace
 
 QString marker(int number) {
@@ -40,11 +48,7 @@ QString build(const QList<std::pair<int, QString>>& blocks) {
 }
 
 std::map<int, QString> split(const QString& rawResponse) {
-    // ICU's $ ends a line only before "\n": an answer with Windows line ends would have no
-    // markers at all.
-    QString response = rawResponse;
-    if (response.contains(u'\r'))
-        response.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
+    const QString response = unixLineEnds(rawResponse);
     std::map<int, QString> blocks;
     QList<QRegularExpressionMatch> markers;
     for (const QRegularExpressionMatch& match : markerPattern().globalMatch(response))
@@ -61,6 +65,14 @@ std::map<int, QString> split(const QString& rawResponse) {
         blocks.insert_or_assign(number, trimTrailingWhitespace(trimLineFeeds(body)));
     }
     return blocks;
+}
+
+qsizetype markerCount(const QString& response) {
+    qsizetype count = 0;
+    for (auto matches = markerPattern().globalMatch(unixLineEnds(response)); matches.hasNext();
+         matches.next())
+        ++count;
+    return count;
 }
 
 } // namespace velto::BlockProtocol

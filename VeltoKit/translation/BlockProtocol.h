@@ -22,5 +22,7 @@ QString build(const QList<std::pair<int, QString>>& blocks);
 // repeated number keeps its last body; the caller checks that every expected number came back.
 // Lines may end in "\r\n", "\r" or "\n"; the bodies come back with "\n" only.
 std::map<int, QString> split(const QString& response);
+// How many marker lines `response` holds, a repeated number as often as it appears.
+qsizetype markerCount(const QString& response);
 
 } // namespace velto::BlockProtocol

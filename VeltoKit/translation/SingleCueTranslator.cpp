@@ -7,6 +7,7 @@
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/subtitles/CueText.h"
 #include "VeltoKit/translation/BlockProtocol.h"
+#include "VeltoKit/translation/FailureStreak.h"
 #include "VeltoKit/translation/TranslationBackend.h"
 #include "VeltoKit/translation/TranslationError.h"
 #include "VeltoKit/translation/Translator.h"
@@ -31,12 +32,14 @@ QList<std::optional<QString>> SingleCueTranslator::translate(const QStringList& 
     BoundedTasks tasks(m_concurrency);
     std::mutex mutex;
     qint64 asked = 0;
+    FailureStreak streak(Translator::sameFailuresToStop(m_concurrency));
     auto askOne = [&](qsizetype k, std::stop_token shared) {
         try {
             answers[k] = ask(texts, positions[k], shared);
+            streak.answered();
         } catch (const TranslationError& error) {
             // No other request would get through either.
-            if (error.isFatal())
+            if (error.isFatal() || (!shared.stop_requested() && streak.failed(error.message())))
                 tasks.halt();
         } catch (const VeltoError&) {
             // This text keeps its first answer.

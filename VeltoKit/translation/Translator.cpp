@@ -10,6 +10,7 @@
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/subtitles/CueText.h"
 #include "VeltoKit/translation/BlockProtocol.h"
+#include "VeltoKit/translation/FailureStreak.h"
 #include "VeltoKit/translation/TranslationBackend.h"
 #include "VeltoKit/translation/TranslationCache.h"
 #include "VeltoKit/translation/TranslationError.h"
@@ -19,10 +20,12 @@ namespace velto {
 
 // What the batches of one translateAll share.
 struct Translator::Run {
-    Run(const QStringList& texts, qsizetype translatable, const ProgressHandler& onProgress)
+    Run(const QStringList& texts, qsizetype translatable, const ProgressHandler& onProgress,
+        int streakLimit)
         : texts(texts)
         , results(texts.cbegin(), texts.cend())
-        , state(translatable, onProgress) {}
+        , state(translatable, onProgress)
+        , streak(streakLimit) {}
 
     const QStringList& texts;
     // One slot per text, written only by the task that owns its batch.
@@ -30,6 +33,7 @@ struct Translator::Run {
     // Cache key per text; empty without a cache and for texts that are never sent.
     std::vector<QString> keys;
     TranslatorState state;
+    FailureStreak streak;
 };
 
 namespace {
@@ -68,6 +72,12 @@ QString systemPromptFor(const QString& sourceLanguage, SpanishVariant variant) {
 }
 
 } // namespace
+
+int Translator::sameFailuresToStop(qint64 concurrency) {
+    // Up to `concurrency` requests may fail at once in a brief outage; one more in a row is not
+    // an outage.
+    return static_cast<int>(std::clamp<qint64>(concurrency + 1, 3, 9));
+}
 
 Translator::Translator(std::shared_ptr<const TranslationBackend> backend, QString sourceLanguage,
                        SpanishVariant variant, qint64 batchSize, qint64 contextLines,
@@ -116,14 +126,14 @@ Translator::Result Translator::translateAll(const QStringList& texts,
         if (CueText::isTranslatable(texts[position]))
             translatable.append(position);
     }
-    Run run(texts, translatable.size(), onProgress);
+    Run run(texts, translatable.size(), onProgress, sameFailuresToStop(m_concurrency));
     const QList<qsizetype> pending = answerFromCache(run, translatable);
     QList<QList<qsizetype>> batches;
     for (qsizetype start = 0; start < pending.size(); start += m_batchSize)
         batches.append(pending.mid(start, m_batchSize));
     runBatches(run, batches, std::move(stop));
     return {QStringList(run.results.cbegin(), run.results.cend()), run.state.warnings(),
-            run.state.progress()};
+            run.state.progress(), run.state.unanswered(), run.streak.lastFailure()};
 }
 
 QList<qsizetype> Translator::answerFromCache(Run& run, const QList<qsizetype>& translatable) const {
@@ -171,7 +181,7 @@ void Translator::runBatch(Run& run, const QList<qsizetype>& indices, std::stop_t
     std::optional<QStringList> translations;
     QString failure;
     try {
-        translations = request(run.texts, indices, stop);
+        translations = request(run, indices, stop);
     } catch (const TranslationError& error) {
         if (error.isFatal())
             throw;
@@ -189,8 +199,8 @@ void Translator::runBatch(Run& run, const QList<qsizetype>& indices, std::stop_t
     // "Lote de N" gives the number of texts of the batch, which shows how far the halving went.
     const qsizetype size = indices.size();
     if (size == 1) {
-        run.state.addWarning(QStringLiteral("Lote de 1 sin traducir (") + failure + u')');
-        run.state.addFinished(0, 1);
+        run.state.addUnanswered(indices.first(),
+                                QStringLiteral("Lote de 1 sin traducir (") + failure + u')');
         return;
     }
     run.state.addWarning(QStringLiteral("Lote de ") + QString::number(size) +
@@ -200,9 +210,17 @@ void Translator::runBatch(Run& run, const QList<qsizetype>& indices, std::stop_t
     runBatch(run, indices.sliced(size / 2), stop);
 }
 
-QStringList Translator::request(const QStringList& texts, const QList<qsizetype>& indices,
+QStringList Translator::request(Run& run, const QList<qsizetype>& indices,
                                 std::stop_token stop) const {
-    const QString answer = m_backend->complete(m_systemPrompt, prompt(texts, indices), stop);
+    QString answer;
+    try {
+        answer = m_backend->complete(m_systemPrompt, prompt(run.texts, indices), stop);
+    } catch (const TranslationError& error) {
+        if (!error.isFatal() && !stop.stop_requested() && run.streak.failed(error.message()))
+            throw TranslationError::fatal(error.message());
+        throw;
+    }
+    run.streak.answered();
     const std::map<int, QString> blocks = BlockProtocol::split(answer);
     const qsizetype expected = indices.size();
     QStringList translations;
@@ -212,7 +230,8 @@ QStringList Translator::request(const QStringList& texts, const QList<qsizetype>
             break;
         translations.append(block->second);
     }
-    const auto received = static_cast<qsizetype>(blocks.size());
+    // A number given twice counts twice: the last body would silently replace the first.
+    const qsizetype received = BlockProtocol::markerCount(answer);
     if (translations.size() != expected || received != expected) {
         throw TranslationError::transient(
             QStringLiteral("faltan o sobran bloques (esperados ") + QString::number(expected) +

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <stop_token>
+#include <utility>
 
 #include <QList>
 #include <QString>
@@ -27,10 +28,15 @@ public:
     using ProgressHandler = std::function<void(const TranslationProgress&)>;
 
     struct Result {
-        QStringList translations; // exactly one per input text
-        QStringList warnings;     // in the order they arose
+        QStringList translations{}; // exactly one per input text
+        QStringList warnings{};     // in the order they arose
         // Counts only the texts that had words to translate.
-        TranslationProgress progress;
+        TranslationProgress progress{};
+        // Positions of the texts that kept their original wording, each with the warning that
+        // named it.
+        QList<std::pair<qsizetype, QString>> unanswered{};
+        // The engine's last failure, empty when it always answered.
+        QString engineFailure{};
     };
 
     // batchSize and concurrency must be at least 1 and contextLines at least 0
@@ -48,8 +54,14 @@ public:
     // the worker threads.
     // Throws the engine's fatal TranslationError, which stops every other batch, or Cancelled
     // when `stop` is requested. Either way what was already translated stays in the cache.
+    // An engine that fails the same way on several requests in a row is not asked again: its
+    // failure becomes fatal.
     Result translateAll(const QStringList& texts, const ProgressHandler& onProgress,
                         std::stop_token stop) const;
+
+    // How many requests in a row may end in the same failure before the engine is no longer
+    // asked.
+    static int sameFailuresToStop(qint64 concurrency);
 
 private:
     struct Run;
@@ -57,8 +69,7 @@ private:
     QList<qsizetype> answerFromCache(Run& run, const QList<qsizetype>& translatable) const;
     void runBatches(Run& run, const QList<QList<qsizetype>>& batches, std::stop_token stop) const;
     void runBatch(Run& run, const QList<qsizetype>& indices, std::stop_token stop) const;
-    QStringList request(const QStringList& texts, const QList<qsizetype>& indices,
-                        std::stop_token stop) const;
+    QStringList request(Run& run, const QList<qsizetype>& indices, std::stop_token stop) const;
     void accept(Run& run, const QList<qsizetype>& indices, const QStringList& translations) const;
     static void checkPlaceholders(const QString& original, const QString& translated,
                                   TranslatorState& state);

@@ -26,6 +26,15 @@ void TranslatorState::addWarning(const QString& warning) {
     m_warnings.append(warning);
 }
 
+void TranslatorState::addUnanswered(qsizetype position, const QString& warning) {
+    std::lock_guard lock(m_mutex);
+    m_warnings.append(warning);
+    m_unanswered.append({position, warning});
+    ++m_progress.done;
+    ++m_progress.failed;
+    reportLocked();
+}
+
 void TranslatorState::report() {
     std::lock_guard lock(m_mutex);
     reportLocked();
@@ -39,6 +48,11 @@ TranslationProgress TranslatorState::progress() const {
 QStringList TranslatorState::warnings() const {
     std::lock_guard lock(m_mutex);
     return m_warnings;
+}
+
+QList<std::pair<qsizetype, QString>> TranslatorState::unanswered() const {
+    std::lock_guard lock(m_mutex);
+    return m_unanswered;
 }
 
 void TranslatorState::reportLocked() {

@@ -2,7 +2,9 @@
 
 #include <functional>
 #include <mutex>
+#include <utility>
 
+#include <QList>
 #include <QStringList>
 
 #include "VeltoKit/translation/TranslationProgress.h"
@@ -23,12 +25,17 @@ public:
     // Texts a batch settled: `translated` got an answer, `failed` keep their original wording.
     void addFinished(qint64 translated, qint64 failed);
     void addWarning(const QString& warning);
+    // The text at `position` got no usable answer: it counts as done and failed, and `warning`
+    // says why.
+    void addUnanswered(qsizetype position, const QString& warning);
     // Sends the current counters to the handler, e.g. to announce the total.
     void report();
 
     TranslationProgress progress() const;
     // In the order they arose.
     QStringList warnings() const;
+    // Each text left in its original wording, with the warning that named it.
+    QList<std::pair<qsizetype, QString>> unanswered() const;
 
 private:
     void reportLocked();
@@ -36,6 +43,7 @@ private:
     mutable std::mutex m_mutex;
     TranslationProgress m_progress;
     QStringList m_warnings;
+    QList<std::pair<qsizetype, QString>> m_unanswered;
     ProgressHandler m_onProgress;
 };
 

@@ -162,10 +162,11 @@ TEST_F(TranslationJobTest, WritesAVerifiedCopyWithTheEchoTrackAndReportsEverySta
     }
     EXPECT_EQ(stages,
               (QList<JobStage>{JobStage::analyzing, JobStage::extracting, JobStage::checking,
-                               JobStage::translating, JobStage::rebuilding, JobStage::muxing,
-                               JobStage::verifying, JobStage::done}));
+                               JobStage::translating, JobStage::reviewing, JobStage::rebuilding,
+                               JobStage::muxing, JobStage::verifying, JobStage::done}));
     EXPECT_EQ(details(JobStage::translating).first(), u"11 subtítulos"_s);
-    EXPECT_EQ(details(JobStage::translating).last(), u"11 de 11  ·  1 sin traducir"_s);
+    EXPECT_EQ(details(JobStage::translating).last(), u"10 de 10  ·  1 sin traducir"_s);
+    EXPECT_EQ(details(JobStage::reviewing).last(), u"1 de 1"_s);
     EXPECT_EQ(m_updates.last().detail, u"Movie.es.mkv"_s);
     EXPECT_EQ(m_updates.last().progress, 1.0);
 

@@ -1,0 +1,137 @@
+#include <mutex>
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMap>
+
+#include <gtest/gtest.h>
+
+#include "CliHome.h"
+#include "support/ChatCompletionsServer.h"
+#include "support/ScriptedHttpServer.h"
+
+using namespace Qt::StringLiterals;
+using namespace velto;
+using namespace velto::test;
+
+namespace {
+
+const QStringList english = {u"Where did you put the keys?"_s,  u"I left them on the table."_s,
+                             u"We should leave before dark."_s, u"Take the car, not the bike."_s,
+                             u"Call me when you get there."_s,  u"See you tomorrow, then."_s};
+
+struct CliRun : CliOutcome {
+    QList<QJsonObject> events;
+
+    QJsonObject result() const {
+        for (const QJsonObject& event : events) {
+            if (event[u"type"] == u"result"_s)
+                return event;
+        }
+        return {};
+    }
+};
+
+// veltomkv-cli against a model on this machine.
+class CliOutcomeTest : public CliHome {
+protected:
+    CliRun translate(const QString& baseUrl, const QString& output, const QStringList& extra = {}) {
+        if (m_video.isEmpty())
+            m_video = englishVideo(u"Película.mkv"_s, english);
+        CliRun run{this->run(QStringList{u"--provider"_s, u"local"_s, u"--base-url"_s, baseUrl,
+                                         u"--model"_s, u"m"_s, u"--no-cache"_s, u"--json"_s,
+                                         u"--output"_s, path(output)} +
+                             extra + QStringList{m_video}),
+                   {}};
+        for (const QString& line : run.out.split(u'\n', Qt::SkipEmptyParts))
+            run.events.append(QJsonDocument::fromJson(line.toUtf8()).object());
+        return run;
+    }
+
+    QString m_video;
+};
+
+// Every stage's bar only moves forward and never past its end.
+void expectProgressMovesForward(const CliRun& run) {
+    QString stage;
+    double last = 0;
+    for (const QJsonObject& event : run.events) {
+        if (event[u"type"] != u"update"_s || !event.contains(u"progress"))
+            continue;
+        const double progress = event[u"progress"].toDouble();
+        if (event[u"stage"].toString() == stage) {
+            EXPECT_GE(progress, last) << stage.toStdString() << ": " << run.out.toStdString();
+        }
+        EXPECT_LE(progress, 1.0) << run.out.toStdString();
+        stage = event[u"stage"].toString();
+        last = progress;
+    }
+}
+
+} // namespace
+
+TEST_F(CliOutcomeTest, AnEngineThatFailsEveryBatchFailsTheJobSoonAndWritesNothing) {
+    ScriptedHttpServer server;
+    server.script({200, R"({"choices":[{"message":{"role":"assistant","content":"PONG"}}]})"});
+    server.script({503, R"({"error":{"message":"Service Unavailable"}})"}, 200);
+
+    const CliRun failed = translate(server.baseUrl() + u"/v1"_s, u"Salida.mkv"_s,
+                                    {u"--batch-size"_s, u"2"_s, u"--concurrency"_s, u"1"_s});
+
+    EXPECT_EQ(failed.status, 1) << failed.out.toStdString();
+    EXPECT_TRUE(failed.err.contains(u"503"_s)) << failed.err.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(path(u"Salida.mkv"_s)));
+    EXPECT_TRUE(failed.result().isEmpty());
+    // Three batches of two; the engine's own retries aside, it is asked a handful of times.
+    EXPECT_LE(server.hits(), 1 + 3 * 3) << server.hits();
+}
+
+TEST_F(CliOutcomeTest, CountsAreTheWrittenTracksAndAPartlyUntranslatedRunSaysSo) {
+    // The first time each is asked, cue 3's answer brings a block too many, cue 2's repeats its
+    // block number with other text, and cue 6 comes back with the model's chatter after it.
+    std::mutex mutex;
+    QMap<QString, int> asked;
+    ChatCompletionsServer fixable({.key = {}, .translate = [&](int, const QString& text) {
+                                       const std::lock_guard lock(mutex);
+                                       QString answer = u"es: "_s + text;
+                                       if (asked[text]++ > 0)
+                                           return answer;
+                                       if (text == english[2])
+                                           answer += u"\n#@#9#@#\nsobra"_s;
+                                       if (text == english[1])
+                                           answer += u"\n#@#1#@#\nun duplicado"_s;
+                                       if (text == english[5])
+                                           answer += u"\n\nEspero que te sirvan. ¡Avisame si "
+                                                     u"querés cambios!"_s;
+                                       return answer;
+                                   }});
+    const CliRun fixed =
+        translate(fixable.baseUrl(), u"Arreglada.mkv"_s, {u"--batch-size"_s, u"1"_s});
+    EXPECT_EQ(fixed.status, 0) << fixed.err.toStdString();
+    EXPECT_EQ(fixed.result()[u"translated"], 6) << fixed.out.toStdString();
+    EXPECT_EQ(fixed.result()[u"failed"], 0);
+    for (const QJsonValue warning : fixed.result()[u"warnings"].toArray())
+        EXPECT_FALSE(warning.toString().contains(u"sin traducir"_s)) << fixed.out.toStdString();
+    expectProgressMovesForward(fixed);
+
+    QProcess ffmpeg;
+    ffmpeg.start(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, path(u"Arreglada.mkv"_s), u"-map"_s,
+                               u"0:s:1"_s, u"-f"_s, u"srt"_s, u"-"_s});
+    ffmpeg.waitForFinished(-1);
+    const QString track = QString::fromUtf8(ffmpeg.readAllStandardOutput());
+    for (const QString& line : english)
+        EXPECT_TRUE(track.contains(u"es: "_s + line)) << track.toStdString();
+    for (const QString& added : {u"Avisame"_s, u"duplicado"_s, u"sobra"_s})
+        EXPECT_FALSE(track.contains(added)) << track.toStdString();
+
+    // A model that answers every block in English translated nothing, and a script can tell.
+    ChatCompletionsServer parrot(
+        {.key = {}, .translate = [](int, const QString& text) { return text; }});
+    const CliRun untranslated = translate(parrot.baseUrl(), u"Loro.mkv"_s);
+    EXPECT_EQ(untranslated.status, 3) << untranslated.err.toStdString();
+    EXPECT_EQ(untranslated.result()[u"translated"], 0) << untranslated.out.toStdString();
+    EXPECT_EQ(untranslated.result()[u"failed"], 6);
+    expectProgressMovesForward(untranslated);
+}
