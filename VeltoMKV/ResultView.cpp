@@ -27,6 +27,8 @@ ResultView::ResultView(AppState& state, QWidget* parent)
 
     layout->addWidget(Look::paragraph(
         QStringLiteral("Timestamps verificados uno a uno contra el original."), this));
+    m_untranslated = Look::heading(QString(), this);
+    layout->addWidget(m_untranslated);
     m_counts = Look::secondary(QString(), this);
     layout->addWidget(m_counts);
     m_removed = Look::paragraph(QString(), this);
@@ -80,10 +82,21 @@ void ResultView::showResult() {
     titleLabel()->setText(result ? QFileInfo(result->outputURL).fileName() : QString());
     setSubtitle(result ? QDir::toNativeSeparators(QFileInfo(result->outputURL).absolutePath())
                        : QString());
+    // A track partly in the source language is said as plainly as the file it went into.
+    const bool partial = result && result->failedLines > 0;
+    setIcon(partial ? Look::warningIcon() : Look::doneMark(palette()));
     m_counts->setText(result ? QString::number(result->translatedCount) +
                                    QStringLiteral(" subtítulos traducidos en ") +
                                    Format::elapsed(result->elapsed)
                              : QString());
+    m_untranslated->setVisible(partial);
+    m_untranslated->setText(
+        partial ? (result->failedLines == 1
+                       ? QStringLiteral("1 subtítulo quedó sin traducir, en el idioma original.")
+                       : QString::number(result->failedLines) +
+                             QStringLiteral(
+                                 " subtítulos quedaron sin traducir, en el idioma original."))
+                : QString());
     m_removed->setVisible(result && m_stripped);
     m_removed->setText(result ? QStringLiteral("Descripciones quitadas: ") +
                                     QString::number(result->removedDescriptions)

@@ -23,6 +23,8 @@ public:
 
     QLabel* outputName() const { return titleLabel(); }
     QLabel* removals() const { return m_removed; }
+    // Shown only when cues stayed in the source language.
+    QLabel* untranslated() const { return m_untranslated; }
     QWidget* warningsPanel() const { return m_warnings; }
     QPushButton* revealButton() const { return m_reveal; }
     QPushButton* anotherButton() const { return m_another; }
@@ -36,6 +38,7 @@ private:
 
     AppState& m_state;
     bool m_stripped = false;
+    QLabel* m_untranslated;
     QLabel* m_counts;
     QLabel* m_removed;
     QWidget* m_warnings;

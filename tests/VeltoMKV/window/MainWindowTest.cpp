@@ -425,6 +425,10 @@ TEST_F(MainWindowTest, WarningsAndRemovalsShowAndClosingDuringAJobLeavesNothing)
         << texts.join(u'|').toStdString();
     for (const QString& warning : warnings)
         EXPECT_TRUE(texts.contains(u"• "_s + warning)) << warning.toStdString();
+    // The cue left in English is said outside the warnings too.
+    EXPECT_TRUE(result->untranslated()->isVisible());
+    EXPECT_EQ(result->untranslated()->text(),
+              u"1 subtítulo quedó sin traducir, en el idioma original."_s);
     QFile::remove(work.path(u"Movie.es.mkv"_s));
 
     openReady(work.path(u"Movie.mkv"_s));
