@@ -92,7 +92,9 @@ QualityReview::Outcome QualityReview::run(const SubtitleDocument& document,
         report(0);
         const QList<std::optional<QString>> answers =
             SingleCueTranslator(m_translator, m_backend, m_concurrency)
-                .translate(texts, positions, report, std::move(stop));
+                .translate(
+                    texts, positions, report, std::move(stop),
+                    [&](qsizetype k, const QString& answer) { return holdsUp(texts[k], answer); });
         for (qsizetype i = 0; i < positions.size(); ++i) {
             const qsizetype k = positions[i];
             if (answers[i] && holdsUp(texts[k], *answers[i])) {

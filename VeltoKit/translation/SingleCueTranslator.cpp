@@ -27,7 +27,8 @@ SingleCueTranslator::SingleCueTranslator(const Translator& translator,
 QList<std::optional<QString>> SingleCueTranslator::translate(const QStringList& texts,
                                                              const QList<qsizetype>& positions,
                                                              const ProgressHandler& onProgress,
-                                                             std::stop_token stop) const {
+                                                             std::stop_token stop,
+                                                             const Judge& holdsUp) const {
     QList<std::optional<QString>> answers(positions.size());
     BoundedTasks tasks(m_concurrency);
     std::mutex mutex;
@@ -36,7 +37,10 @@ QList<std::optional<QString>> SingleCueTranslator::translate(const QStringList& 
     auto askOne = [&](qsizetype k, std::stop_token shared) {
         try {
             answers[k] = ask(texts, positions[k], shared);
-            streak.answered();
+            if (answers[k] && (!holdsUp || holdsUp(positions[k], *answers[k])))
+                streak.answered();
+            else if (streak.failed(QString()))
+                tasks.halt(); // a model that keeps answering wrong would for every text
         } catch (const TranslationError& error) {
             // No other request would get through either.
             if (error.isFatal() || (!shared.stop_requested() && streak.failed(error.message())))

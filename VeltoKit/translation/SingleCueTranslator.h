@@ -22,6 +22,8 @@ public:
     // Called after every answered request with how many were answered so far, one call at a
     // time.
     using ProgressHandler = std::function<void(qint64 asked)>;
+    // Whether the answer for the text at `position` is one to keep.
+    using Judge = std::function<bool(qsizetype position, const QString& answer)>;
 
     // `translator` must outlive this; concurrency must be at least 1 (std::invalid_argument
     // otherwise).
@@ -31,12 +33,13 @@ public:
     // One entry per position, in the order given: the engine's answer, or none when the request
     // failed, the answer did not hold exactly the one block asked for, or it lost a formatting
     // placeholder of the text. A fatal engine error, or the same failure on several requests
-    // in a row, ends the asking quietly: what the first pass gave still stands. Throws Cancelled
+    // in a row (an answer `holdsUp` rejects counts as one), ends the asking quietly: what the
+    // first pass gave still stands. Throws Cancelled
     // when `stop` is requested.
     QList<std::optional<QString>> translate(const QStringList& texts,
                                             const QList<qsizetype>& positions,
-                                            const ProgressHandler& onProgress,
-                                            std::stop_token stop) const;
+                                            const ProgressHandler& onProgress, std::stop_token stop,
+                                            const Judge& holdsUp = {}) const;
 
 private:
     std::optional<QString> ask(const QStringList& texts, qsizetype position,
