@@ -207,7 +207,8 @@ private:
         rebuilt->setTexts(translations);
         Subtitles::verifyTiming(document, *rebuilt);
         const QString path = work.filePath(QStringLiteral("es") + rebuilt->fileExtension());
-        Subtitles::write(*rebuilt, path);
+        // It lives in the working directory and goes with it.
+        Subtitles::write(*rebuilt, path, Subtitles::Keeping::scratch);
         // Proves the file that goes into the video, not only the object it came from.
         Subtitles::verifyTiming(document, *Subtitles::load(path, rebuilt->kind()));
         return path;

@@ -35,7 +35,7 @@ QString whyUnreadable(const QString& path, const QFile& file) {
     return systemSaid(file);
 }
 
-QString whyUnwritable(const QString& path, const QSaveFile& file) {
+QString whyUnwritable(const QString& path, const QFileDevice& file) {
     const QFileInfo info(path);
     if (!info.absoluteDir().exists())
         return QStringLiteral("la carpeta no existe.");
@@ -74,12 +74,22 @@ std::shared_ptr<SubtitleDocument> load(const QString& path, const QString& codec
     return std::make_shared<SrtDocument>(SrtDocument::parse(text));
 }
 
-void write(const SubtitleDocument& document, const QString& path) {
+void write(const SubtitleDocument& document, const QString& path, Keeping keeping) {
     const QByteArray bytes = document.render().toUtf8();
+    const auto fail = [&](const QFileDevice& file) {
+        return FileError(QStringLiteral("No pude guardar ") + quotedName(path) +
+                         QStringLiteral(": ") + whyUnwritable(path, file));
+    };
+    if (keeping == Keeping::scratch) {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
+            file.write(bytes) != bytes.size() || !file.flush())
+            throw fail(file);
+        return;
+    }
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-        throw FileError(QStringLiteral("No pude guardar ") + quotedName(path) +
-                        QStringLiteral(": ") + whyUnwritable(path, file));
+        throw fail(file);
 }
 
 void verifyTiming(const SubtitleDocument& source, const SubtitleDocument& rebuilt) {
