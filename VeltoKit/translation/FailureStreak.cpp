@@ -14,7 +14,7 @@ void FailureStreak::answered() {
 
 bool FailureStreak::failed(const QString& message) {
     const std::lock_guard lock(m_mutex);
-    m_count = message == m_last ? m_count + 1 : 1;
+    ++m_count;
     m_last = message;
     return m_count >= m_limit;
 }

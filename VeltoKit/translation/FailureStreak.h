@@ -6,9 +6,10 @@
 
 namespace velto {
 
-// Tells an engine that fails the same way request after request from one that stumbles now and
-// then. Each request already went through the engine's own retries; once `limit` of them in a row
-// end in the same failure, with no answer between them, asking again only repeats it.
+// Tells an engine that fails request after request from one that stumbles now and then. Each
+// request already went through the engine's own retries; once `limit` of them in a row end in a
+// failure, with no answer between them, asking again only repeats it (a 503 and a 502 taking
+// turns are one outage).
 // Thread-safe: every batch of a translation records into one streak.
 class FailureStreak {
 public:
@@ -17,7 +18,7 @@ public:
 
     // The engine answered: the streak starts over.
     void answered();
-    // The engine failed with `message`; true when this is the limit-th same failure in a row.
+    // The engine failed with `message`; true when this is the limit-th failure in a row.
     bool failed(const QString& message);
     // The engine's last failure, empty while it never failed.
     QString lastFailure() const;

@@ -33,7 +33,7 @@ QList<std::optional<QString>> SingleCueTranslator::translate(const QStringList& 
     BoundedTasks tasks(m_concurrency);
     std::mutex mutex;
     qint64 asked = 0;
-    FailureStreak streak(Translator::sameFailuresToStop(m_concurrency));
+    FailureStreak streak(Translator::failuresToStop(m_concurrency));
     auto askOne = [&](qsizetype k, std::stop_token shared) {
         try {
             answers[k] = ask(texts, positions[k], shared);

@@ -32,8 +32,8 @@ public:
 
     // One entry per position, in the order given: the engine's answer, or none when the request
     // failed, the answer did not hold exactly the one block asked for, or it lost a formatting
-    // placeholder of the text. A fatal engine error, or the same failure on several requests
-    // in a row (an answer `holdsUp` rejects counts as one), ends the asking quietly: what the
+    // placeholder of the text. A fatal engine error, or failures on several requests in a
+    // row (an answer `holdsUp` rejects counts as one), ends the asking quietly: what the
     // first pass gave still stands. Throws Cancelled
     // when `stop` is requested.
     QList<std::optional<QString>> translate(const QStringList& texts,

@@ -73,7 +73,7 @@ QString systemPromptFor(const QString& sourceLanguage, SpanishVariant variant) {
 
 } // namespace
 
-int Translator::sameFailuresToStop(qint64 concurrency) {
+int Translator::failuresToStop(qint64 concurrency) {
     // Up to `concurrency` requests may fail at once in a brief outage; one more in a row is not
     // an outage.
     return static_cast<int>(std::clamp<qint64>(concurrency + 1, 3, 9));
@@ -126,7 +126,7 @@ Translator::Result Translator::translateAll(const QStringList& texts,
         if (CueText::isTranslatable(texts[position]))
             translatable.append(position);
     }
-    Run run(texts, translatable.size(), onProgress, sameFailuresToStop(m_concurrency));
+    Run run(texts, translatable.size(), onProgress, failuresToStop(m_concurrency));
     const QList<qsizetype> pending = answerFromCache(run, translatable);
     QList<QList<qsizetype>> batches;
     for (qsizetype start = 0; start < pending.size(); start += m_batchSize)

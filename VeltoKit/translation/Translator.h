@@ -54,14 +54,13 @@ public:
     // the worker threads.
     // Throws the engine's fatal TranslationError, which stops every other batch, or Cancelled
     // when `stop` is requested. Either way what was already translated stays in the cache.
-    // An engine that fails the same way on several requests in a row is not asked again: its
-    // failure becomes fatal.
+    // An engine that fails on several requests in a row is not asked again: its last failure
+    // becomes fatal.
     Result translateAll(const QStringList& texts, const ProgressHandler& onProgress,
                         std::stop_token stop) const;
 
-    // How many requests in a row may end in the same failure before the engine is no longer
-    // asked.
-    static int sameFailuresToStop(qint64 concurrency);
+    // How many requests in a row may end in a failure before the engine is no longer asked.
+    static int failuresToStop(qint64 concurrency);
 
 private:
     struct Run;
