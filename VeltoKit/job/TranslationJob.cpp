@@ -90,9 +90,10 @@ public:
     }
 
 private:
-    void report(JobStage stage, const QString& detail, std::optional<double> progress = {}) {
+    void report(JobStage stage, const QString& detail, std::optional<double> progress = {},
+                std::optional<TranslationProgress> translation = {}) {
         if (m_onUpdate)
-            m_onUpdate(JobUpdate{stage, detail, progress});
+            m_onUpdate(JobUpdate{stage, detail, progress, std::move(translation)});
     }
 
     // The translator would refuse these in English, after the file was already probed.
@@ -165,7 +166,8 @@ private:
             texts,
             // The translator calls this one call at a time, from whichever thread finished.
             [&](const TranslationProgress& progress) {
-                report(JobStage::translating, progressDetail(progress), progress.fraction());
+                report(JobStage::translating, progressDetail(progress), progress.fraction(),
+                       progress);
             },
             m_stop);
         // Blank cues and drawings were kept, not translated.
@@ -184,8 +186,8 @@ private:
                 .run(
                     document, result.translations, result.progress,
                     [&](const TranslationProgress& progress) {
-                        report(JobStage::translating, progressDetail(progress),
-                               progress.fraction());
+                        report(JobStage::translating, progressDetail(progress), progress.fraction(),
+                               progress);
                     },
                     m_stop);
         m_result.qualityFindings = reviewed.findings;

@@ -21,7 +21,8 @@ public:
     // Texts answered from the cache: they count as cached and done.
     void addCached(qint64 count);
     // Texts a batch settled: `translated` got an answer, `failed` keep their original wording.
-    void addFinished(qint64 translated, qint64 failed);
+    // `arrived` goes to the handler with this one report only.
+    void addFinished(qint64 translated, qint64 failed, QList<TranslatedLine> arrived = {});
     void addWarning(const QString& warning);
     // Sends the current counters to the handler, e.g. to announce the total.
     void report();
