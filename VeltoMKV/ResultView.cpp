@@ -80,13 +80,13 @@ void ResultView::showResult() {
     titleLabel()->setText(result ? QFileInfo(result->outputURL).fileName() : QString());
     setSubtitle(result ? QDir::toNativeSeparators(QFileInfo(result->outputURL).absolutePath())
                        : QString());
-    m_counts->setText(result ? QString::number(result->translatedCount) +
+    m_counts->setText(result ? Format::count(result->translatedCount) +
                                    QStringLiteral(" subtítulos traducidos en ") +
                                    Format::elapsed(result->elapsed)
                              : QString());
     m_removed->setVisible(result && m_stripped);
     m_removed->setText(result ? QStringLiteral("Descripciones quitadas: ") +
-                                    QString::number(result->removedDescriptions)
+                                    Format::count(result->removedDescriptions)
                               : QString());
 
     while (m_warningLines->count() > 1) {

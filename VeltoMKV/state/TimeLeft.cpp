@@ -35,12 +35,24 @@ std::optional<double> TimeLeft::secondsLeft(Clock::time_point now) const {
         return std::nullopt;
     if (m_left == 0)
         return 0.0;
+    const auto seconds = [](Clock::duration span) {
+        return std::chrono::duration<double>(span).count();
+    };
     const Mark& from = m_marks.first();
-    const double seconds = std::chrono::duration<double>(now - from.at).count();
-    const auto settled = static_cast<double>(m_marks.last().settled - from.settled);
-    if (seconds <= 0 || settled <= 0)
+    const Mark& last = m_marks.last();
+    const double span = seconds(last.at - from.at);
+    const auto settled = static_cast<double>(last.settled - from.settled);
+    if (span <= 0 || settled <= 0)
         return std::nullopt;
-    return static_cast<double>(m_left) * seconds / settled;
+    const double sinceLast = seconds(now - last.at);
+    // Between answers the guess counts down; answers come in rounds, and measuring the pace up
+    // to now would make it grow between them and fall at each one.
+    const double round =
+        span / static_cast<double>(m_marks.size() - 1) * static_cast<double>(m_concurrency);
+    if (sinceLast <= round)
+        return std::max(static_cast<double>(m_left) * span / settled - sinceLast, 0.0);
+    // No answer for longer than a round takes: the engine stalls, and the wait counts as pace.
+    return static_cast<double>(m_left) * (span + sinceLast) / settled;
 }
 
 } // namespace velto

@@ -14,8 +14,8 @@ struct TranslationProgress;
 // come back. Up to `concurrency` batches start together, so the first answers come while the
 // rest are still on their way: there is no guess until that many came back. The pace is taken
 // over the latest answers only, so a service that slows down (or speeds up) shows within a few
-// batches, and the time since the last answer counts, so a stalled engine raises the guess.
-// Cache hits are no pace at all and are left out of it.
+// batches. Between answers the guess counts down, until the wait outlasts a round: then the
+// engine stalls, the wait counts as pace and the guess grows. Cache hits are no pace at all.
 class TimeLeft {
 public:
     using Clock = std::chrono::steady_clock;

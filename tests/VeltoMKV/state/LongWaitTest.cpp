@@ -98,6 +98,7 @@ TEST(LongWait, TimeLeftFollowsThePaceOfTheLatestBatches) {
           {120, 320, 0, 800}},
          120,
          240},
+        {"between answers the guess counts down", 1, {{0, 0, 0, 400}, {10, 40, 0, 400}}, 15, 85},
         {"nothing left", 1, {{0, 0, 0, 40}, {5, 40, 0, 40}}, 6, 0},
     };
     const TimeLeft::Clock::time_point start;
