@@ -23,9 +23,11 @@
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AnalyzingView.h"
 #include "VeltoMKV/AppIcon.h"
+#include "VeltoMKV/DesktopSession.h"
 #include "VeltoMKV/DropZone.h"
 #include "VeltoMKV/FailureView.h"
 #include "VeltoMKV/FileBrowser.h"
+#include "VeltoMKV/JobAnnouncer.h"
 #include "VeltoMKV/JobView.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/OpenFileRelay.h"
@@ -135,6 +137,8 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     connect(&m_settings, &SettingsPresenter::presentedChanged, this, &MainWindow::presentSettings);
     connect(&m_preferences, &Preferences::ffmpegDirectoryChanged, this,
             [this] { m_state.checkTools(m_preferences); });
+    // The title, the computer's sleep and the notification follow the job from outside the page.
+    new JobAnnouncer(m_state, *this, *new DesktopSession(this));
 
     resize(640, 560);
     setMinimumSize(520, 460);

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "VeltoMKV/AppIcon.h"
+#include "VeltoMKV/LiveLines.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/state/AppState.h"
 #include "VeltoMKV/state/Format.h"
@@ -45,6 +46,20 @@ ProgressView::ProgressView(AppState& state, QWidget* parent)
 
     m_elapsed = Look::secondary(QString(), this);
     layout->addWidget(m_elapsed);
+
+    // Hidden until the first lines come, but holding its room, so the bar never moves.
+    m_linesPanel = new QWidget(this);
+    auto* linesLayout = new QVBoxLayout(m_linesPanel);
+    linesLayout->setContentsMargins(0, Look::groupGap - Look::rowGap, 0, 0);
+    linesLayout->setSpacing(Look::rowGap / 2);
+    linesLayout->addWidget(Look::heading(QStringLiteral("Últimas líneas"), m_linesPanel));
+    m_lines = new LiveLines(AppState::liveLineCount, m_linesPanel);
+    linesLayout->addWidget(m_lines);
+    QSizePolicy keepRoom = m_linesPanel->sizePolicy();
+    keepRoom.setRetainSizeWhenHidden(true);
+    m_linesPanel->setSizePolicy(keepRoom);
+    m_linesPanel->hide();
+    layout->addWidget(m_linesPanel);
     layout->addStretch(3);
 
     m_cancel = Look::button(QStringLiteral("Cancelar"), this);
@@ -54,15 +69,16 @@ ProgressView::ProgressView(AppState& state, QWidget* parent)
     m_ticker.setInterval(1000);
     connect(&m_ticker, &QTimer::timeout, this, &ProgressView::tick);
     connect(&m_state, &AppState::progressChanged, this, &ProgressView::showProgress);
+    connect(&m_state, &AppState::latestLinesChanged, this, &ProgressView::showLines);
     connect(&m_state, &AppState::sourceURLChanged, this, [this] {
         titleLabel()->setText(m_state.sourceURL() ? QFileInfo(*m_state.sourceURL()).fileName()
                                                   : QString());
     });
     showProgress();
+    showLines();
 }
 
 void ProgressView::startClock() {
-    m_clock.start();
     m_ticker.start();
     tick();
     showProgress();
@@ -75,12 +91,11 @@ void ProgressView::stopClock() {
 void ProgressView::showProgress() {
     const JobUpdate& progress = m_state.progress();
     m_stage->setText(label(progress));
-    m_detail->setText(progress.detail);
+    showDetail();
     if (const std::optional<double> fraction = progress.progress) {
         m_bar->setRange(0, barSteps);
         m_bar->setValue(static_cast<int>(std::lround(qBound(0.0, *fraction, 1.0) * barSteps)));
-        m_percent->setText(QString::number(std::lround(qBound(0.0, *fraction, 1.0) * 100)) +
-                           QStringLiteral(" %"));
+        m_percent->setText(Format::percent(*fraction));
     } else {
         // A zero range is Qt's indeterminate bar.
         m_bar->setRange(0, 0);
@@ -88,9 +103,27 @@ void ProgressView::showProgress() {
     }
 }
 
+void ProgressView::showDetail() {
+    const JobUpdate& progress = m_state.progress();
+    if (!progress.translation) {
+        m_detail->setText(progress.detail);
+        return;
+    }
+    QString detail = Format::counts(*progress.translation);
+    if (const std::optional<double> left = m_state.secondsLeft())
+        detail += QStringLiteral(" · ") + Format::timeLeft(*left);
+    m_detail->setText(detail);
+}
+
+void ProgressView::showLines() {
+    m_lines->setLines(m_state.latestLines());
+    m_linesPanel->setVisible(!m_state.latestLines().isEmpty());
+}
+
 void ProgressView::tick() {
-    m_elapsed->setText(
-        Format::elapsed(m_clock.isValid() ? static_cast<double>(m_clock.elapsed()) / 1000.0 : 0.0));
+    m_elapsed->setText(Format::elapsed(m_state.elapsed()));
+    // The guess moves with the clock too: a stalled engine makes it grow.
+    showDetail();
 }
 
 } // namespace velto

@@ -85,7 +85,7 @@ void ResultView::showResult() {
     // A track partly in the source language is said as plainly as the file it went into.
     const bool partial = result && result->failedLines > 0;
     setIcon(partial ? Look::warningIcon() : Look::doneMark(palette()));
-    m_counts->setText(result ? QString::number(result->translatedCount) +
+    m_counts->setText(result ? Format::count(result->translatedCount) +
                                    QStringLiteral(" subtítulos traducidos en ") +
                                    Format::elapsed(result->elapsed)
                              : QString());
@@ -93,13 +93,13 @@ void ResultView::showResult() {
     m_untranslated->setText(
         partial ? (result->failedLines == 1
                        ? QStringLiteral("1 subtítulo quedó sin traducir, en el idioma original.")
-                       : QString::number(result->failedLines) +
+                       : Format::count(result->failedLines) +
                              QStringLiteral(
                                  " subtítulos quedaron sin traducir, en el idioma original."))
                 : QString());
     m_removed->setVisible(result && m_stripped);
     m_removed->setText(result ? QStringLiteral("Descripciones quitadas: ") +
-                                    QString::number(result->removedDescriptions)
+                                    Format::count(result->removedDescriptions)
                               : QString());
 
     while (m_warningLines->count() > 1) {

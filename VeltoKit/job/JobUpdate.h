@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "VeltoKit/job/JobStage.h"
+#include "VeltoKit/translation/TranslationProgress.h"
 
 namespace velto {
 
@@ -15,6 +16,9 @@ struct JobUpdate {
     QString detail;
     // Fraction of the stage's work done, 0...1; absent when no fraction is known.
     std::optional<double> progress;
+    // On the reports of the translation: the translator's own counts and the cues that just
+    // arrived, for a front end that words them itself or shows them as they come.
+    std::optional<TranslationProgress> translation{};
 
     bool operator==(const JobUpdate&) const = default;
 };

@@ -91,9 +91,10 @@ public:
     }
 
 private:
-    void report(JobStage stage, const QString& detail, std::optional<double> progress = {}) {
+    void report(JobStage stage, const QString& detail, std::optional<double> progress = {},
+                std::optional<TranslationProgress> translation = {}) {
         if (m_onUpdate)
-            m_onUpdate(JobUpdate{stage, detail, progress});
+            m_onUpdate(JobUpdate{stage, detail, progress, std::move(translation)});
     }
 
     // The translator would refuse these in English, after the file was already probed.
@@ -166,7 +167,8 @@ private:
             texts,
             // The translator calls this one call at a time, from whichever thread finished.
             [&](const TranslationProgress& progress) {
-                report(JobStage::translating, progressDetail(progress), progress.fraction());
+                report(JobStage::translating, progressDetail(progress), progress.fraction(),
+                       progress);
             },
             m_stop);
         return review(document, translator, cache, result);

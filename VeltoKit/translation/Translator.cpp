@@ -242,14 +242,17 @@ QStringList Translator::request(Run& run, const QList<qsizetype>& indices,
 
 void Translator::accept(Run& run, const QList<qsizetype>& indices,
                         const QStringList& translations) const {
+    QList<TranslatedLine> arrived;
+    arrived.reserve(indices.size());
     for (qsizetype k = 0; k < indices.size(); ++k) {
         const qsizetype position = indices[k];
         checkPlaceholders(run.texts[position], translations[k], run.state);
         run.results[position] = translations[k];
         if (m_cache)
             m_cache->put(run.keys[position], translations[k]);
+        arrived.append({run.texts[position], translations[k]});
     }
-    run.state.addFinished(indices.size(), 0);
+    run.state.addFinished(indices.size(), 0, std::move(arrived));
 }
 
 void Translator::checkPlaceholders(const QString& original, const QString& translated,

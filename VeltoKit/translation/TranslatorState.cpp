@@ -14,11 +14,13 @@ void TranslatorState::addCached(qint64 count) {
     reportLocked();
 }
 
-void TranslatorState::addFinished(qint64 translated, qint64 failed) {
+void TranslatorState::addFinished(qint64 translated, qint64 failed, QList<TranslatedLine> arrived) {
     std::lock_guard lock(m_mutex);
     m_progress.done += translated + failed;
     m_progress.failed += failed;
+    m_progress.arrived = std::move(arrived);
     reportLocked();
+    m_progress.arrived.clear();
 }
 
 void TranslatorState::addWarning(const QString& warning) {

@@ -23,7 +23,8 @@ public:
     // Texts answered from the cache: they count as cached and done.
     void addCached(qint64 count);
     // Texts a batch settled: `translated` got an answer, `failed` keep their original wording.
-    void addFinished(qint64 translated, qint64 failed);
+    // `arrived` goes to the handler with this one report only.
+    void addFinished(qint64 translated, qint64 failed, QList<TranslatedLine> arrived = {});
     void addWarning(const QString& warning);
     // The text at `position` got no usable answer: it counts as done and failed, and `warning`
     // says why.

@@ -1,5 +1,6 @@
 #include "VeltoMKV/state/AppState.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "VeltoKit/core/VeltoError.h"
@@ -71,6 +72,9 @@ void AppState::toolsFound(const std::optional<FFmpeg>& tools, const QString& ins
 
 void AppState::load(const QString& url, const Preferences& preferences) {
     const quint64 run = nextRun();
+    // The same file again, after a failure, is a retry of the same job.
+    if (url != m_sourceURL)
+        m_earlierLegs = 0;
     setResult(std::nullopt);
     setWarnings({});
     setForce(false);
@@ -150,12 +154,15 @@ void AppState::start(const Preferences& preferences) {
     setResult(std::nullopt);
     setWarnings({});
     setProgress({});
+    setLatestLines({});
+    m_timeLeft.emplace(options.concurrency);
+    m_leg.start();
     setPhase(Phase::working());
     m_task = m_tasks.launch([this, run, job, source](std::stop_token stop, const auto& post) {
         const auto onUpdate = [this, run, post](const JobUpdate& update) {
             post([this, run, update] {
                 if (run == m_run)
-                    setProgress(update);
+                    applyUpdate(update);
             });
         };
         try {
@@ -164,7 +171,10 @@ void AppState::start(const Preferences& preferences) {
                 if (run != m_run)
                     return;
                 m_task.reset();
-                setResult(result);
+                JobResult whole = result;
+                whole.elapsed += m_earlierLegs;
+                endLeg(false);
+                setResult(whole);
                 setWarnings(result.warnings);
                 setPhase(Phase::finished());
             });
@@ -174,6 +184,7 @@ void AppState::start(const Preferences& preferences) {
                 if (run != m_run)
                     return;
                 m_task.reset();
+                endLeg(true);
                 setPhase(Phase::failed(message));
             });
         }
@@ -190,6 +201,8 @@ void AppState::cancel() {
 
 void AppState::reset() {
     nextRun();
+    endLeg(false);
+    setLatestLines({});
     setPhase(Phase::idle());
     setSourceURL(std::nullopt);
     setInfo(std::nullopt);
@@ -201,9 +214,43 @@ void AppState::reset() {
     setForce(false);
 }
 
+std::optional<double> AppState::secondsLeft() const {
+    if (!m_task || !m_timeLeft || m_progress.stage != JobStage::translating)
+        return std::nullopt;
+    return m_timeLeft->secondsLeft(TimeLeft::Clock::now());
+}
+
+double AppState::elapsed() const {
+    return m_earlierLegs + (m_leg.isValid() ? static_cast<double>(m_leg.elapsed()) / 1000.0 : 0.0);
+}
+
+void AppState::endLeg(bool failed) {
+    if (failed && m_leg.isValid())
+        m_earlierLegs += static_cast<double>(m_leg.elapsed()) / 1000.0;
+    else if (!failed)
+        m_earlierLegs = 0;
+    m_leg.invalidate();
+    m_timeLeft.reset();
+}
+
+void AppState::applyUpdate(const JobUpdate& update) {
+    if (const std::optional<TranslationProgress>& translation = update.translation) {
+        if (m_timeLeft)
+            m_timeLeft->observe(*translation, TimeLeft::Clock::now());
+        if (!translation->arrived.isEmpty()) {
+            QList<TranslatedLine> lines = m_latestLines + translation->arrived;
+            setLatestLines(lines.sliced(std::max<qsizetype>(lines.size() - liveLineCount, 0)));
+        }
+    }
+    setProgress(update);
+}
+
 quint64 AppState::nextRun() {
-    if (m_task)
+    // A job stopped by the user is not retried: its time is not the next one's.
+    if (m_task) {
+        endLeg(false);
         m_tasks.stop(*m_task);
+    }
     if (m_probe)
         m_tasks.stop(*m_probe);
     m_task.reset();
@@ -258,6 +305,13 @@ void AppState::setProgress(JobUpdate progress) {
         return;
     m_progress = std::move(progress);
     emit progressChanged();
+}
+
+void AppState::setLatestLines(QList<TranslatedLine> lines) {
+    if (lines == m_latestLines)
+        return;
+    m_latestLines = std::move(lines);
+    emit latestLinesChanged();
 }
 
 void AppState::setResult(std::optional<JobResult> result) {

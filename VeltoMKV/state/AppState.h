@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -14,6 +15,7 @@
 #include "VeltoKit/media/MediaInfo.h"
 #include "VeltoMKV/state/BackgroundTasks.h"
 #include "VeltoMKV/state/Phase.h"
+#include "VeltoMKV/state/TimeLeft.h"
 
 namespace velto {
 
@@ -46,6 +48,13 @@ public:
     void setForce(bool force);
     // Where the running job is: its stage, the detail line and the fraction when known.
     const JobUpdate& progress() const { return m_progress; }
+    // The cues translated last, as they came back, newest last; at most liveLineCount.
+    const QList<TranslatedLine>& latestLines() const { return m_latestLines; }
+    static constexpr qsizetype liveLineCount = 4;
+    // How long the running translation still needs; none before its first batches came back.
+    std::optional<double> secondsLeft() const;
+    // Seconds of work on this job so far, the legs that failed before a retry included.
+    double elapsed() const;
     const std::optional<JobResult>& result() const { return m_result; }
     const QStringList& warnings() const { return m_warnings; }
     const std::optional<QString>& ffmpegStatus() const { return m_ffmpegStatus; }
@@ -70,6 +79,7 @@ signals:
     void outputURLChanged();
     void forceChanged();
     void progressChanged();
+    void latestLinesChanged();
     void resultChanged();
     void warningsChanged();
     void ffmpegStatusChanged();
@@ -80,6 +90,10 @@ private:
     void setSourceURL(std::optional<QString> url);
     void setInfo(std::optional<MediaInfo> info);
     void setProgress(JobUpdate progress);
+    void applyUpdate(const JobUpdate& update);
+    void setLatestLines(QList<TranslatedLine> lines);
+    // Ends the running leg; a failed one counts towards the job that a retry finishes.
+    void endLeg(bool failed);
     void setResult(std::optional<JobResult> result);
     void setWarnings(QStringList warnings);
     void setFfmpegStatus(std::optional<QString> status);
@@ -96,6 +110,10 @@ private:
     std::optional<QString> m_outputURL;
     bool m_force = false;
     JobUpdate m_progress;
+    QList<TranslatedLine> m_latestLines;
+    std::optional<TimeLeft> m_timeLeft;
+    QElapsedTimer m_leg;
+    double m_earlierLegs = 0;
     std::optional<JobResult> m_result;
     QStringList m_warnings;
     std::optional<QString> m_ffmpegStatus;

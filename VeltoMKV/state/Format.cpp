@@ -2,6 +2,10 @@
 
 #include <cmath>
 
+#include <QtGlobal>
+
+#include "VeltoKit/translation/TranslationProgress.h"
+
 namespace velto::Format {
 
 QString duration(std::optional<double> seconds) {
@@ -28,6 +32,48 @@ QString elapsed(double seconds) {
         return rounded(seconds) + QStringLiteral(" s");
     return rounded(seconds / 60) + QStringLiteral(" min ") + rounded(std::fmod(seconds, 60)) +
            QStringLiteral(" s");
+}
+
+QString count(qint64 number) {
+    const QString digits = QString::number(std::abs(number));
+    QString grouped;
+    for (qsizetype i = 0; i < digits.size(); ++i) {
+        if (i > 0 && (digits.size() - i) % 3 == 0)
+            grouped += u'.';
+        grouped += digits[i];
+    }
+    return number < 0 ? u'-' + grouped : grouped;
+}
+
+QString counts(const TranslationProgress& progress) {
+    QString text =
+        count(progress.done) + QStringLiteral(" de ") + count(progress.total) +
+        (progress.total == 1 ? QStringLiteral(" subtítulo") : QStringLiteral(" subtítulos"));
+    if (progress.cached > 0)
+        text += QStringLiteral(" · ") + count(progress.cached) + QStringLiteral(" en caché");
+    if (progress.failed > 0)
+        text += QStringLiteral(" · ") + count(progress.failed) + QStringLiteral(" sin traducir");
+    return text;
+}
+
+QString percent(double fraction) {
+    return QString::number(std::lround(qBound(0.0, fraction, 1.0) * 100)) + QStringLiteral(" %");
+}
+
+QString timeLeft(double seconds) {
+    // A guess: whole minutes, and nothing finer than "under a minute" at the end.
+    const long minutes = std::lround(seconds / 60);
+    if (minutes < 1)
+        return QStringLiteral("falta menos de un minuto");
+    if (minutes == 1)
+        return QStringLiteral("falta ~1 min");
+    if (minutes < 60)
+        return QStringLiteral("faltan ~") + QString::number(minutes) + QStringLiteral(" min");
+    QString text =
+        QStringLiteral("faltan ~") + QString::number(minutes / 60) + QStringLiteral(" h");
+    if (minutes % 60 != 0)
+        text += u' ' + QString::number(minutes % 60) + QStringLiteral(" min");
+    return text;
 }
 
 } // namespace velto::Format

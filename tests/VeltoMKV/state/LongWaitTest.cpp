@@ -1,0 +1,171 @@
+// What the window tells during a long job: counts as prose, a guess at the time left, and the
+// time of the whole job when it needed a retry.
+
+#include <future>
+
+#include <QDir>
+
+#include <gtest/gtest.h>
+
+#include "VeltoKit/providers/Provider.h"
+#include "VeltoKit/translation/TranslationProgress.h"
+#include "VeltoMKV/AppTesting.h"
+#include "VeltoMKV/state/AppState.h"
+#include "VeltoMKV/state/Format.h"
+#include "VeltoMKV/state/TimeLeft.h"
+#include "support/ChatCompletionsServer.h"
+
+using namespace velto;
+using namespace velto::AppTesting;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+TEST(LongWait, CountsAndTimeLeftReadAsSpanishProse) {
+    const struct {
+        TranslationProgress progress;
+        QString text;
+    } counts[] = {
+        {{1600, 360, 0, 0}, u"360 de 1.600 subtítulos"_s},
+        {{1, 0, 0, 0}, u"0 de 1 subtítulo"_s},
+        {{40, 10, 3, 0}, u"10 de 40 subtítulos · 3 en caché"_s},
+        {{1234567, 1000, 999, 2},
+         u"1.000 de 1.234.567 subtítulos · 999 en caché · 2 sin traducir"_s},
+    };
+    for (const auto& c : counts)
+        EXPECT_EQ(Format::counts(c.progress), c.text);
+
+    const struct {
+        double seconds;
+        QString text;
+    } left[] = {
+        {0, u"falta menos de un minuto"_s},
+        {29, u"falta menos de un minuto"_s},
+        {31, u"falta ~1 min"_s},
+        {150, u"faltan ~3 min"_s},
+        {3569, u"faltan ~59 min"_s},
+        {3600, u"faltan ~1 h"_s},
+        {4810, u"faltan ~1 h 20 min"_s},
+        {7190, u"faltan ~2 h"_s},
+    };
+    for (const auto& c : left)
+        EXPECT_EQ(Format::timeLeft(c.seconds), c.text) << c.seconds;
+}
+
+TEST(LongWait, TimeLeftFollowsThePaceOfTheLatestBatches) {
+    // A report: seconds since the start, cues done, of them from the cache, total.
+    struct Report {
+        double at;
+        qint64 done;
+        qint64 cached;
+        qint64 total;
+    };
+    const struct {
+        const char* name;
+        qint64 concurrency;
+        QList<Report> reports;
+        double askedAt;
+        std::optional<double> left;
+    } cases[] = {
+        {"one request at a time: the first answer sets the pace",
+         1,
+         {{0, 0, 0, 400}, {10, 40, 0, 400}},
+         10,
+         90},
+        {"three at once: no guess while the first round is still coming",
+         3,
+         {{0, 0, 0, 400}, {10, 40, 0, 400}, {10.5, 80, 0, 400}},
+         10.5,
+         std::nullopt},
+        {"three at once: the whole first round is the pace",
+         3,
+         {{0, 0, 0, 400}, {10, 40, 0, 400}, {10, 80, 0, 400}, {10, 120, 0, 400}},
+         10,
+         280.0 / 12},
+        {"cache hits are no pace", 1, {{0, 200, 200, 400}, {20, 240, 200, 400}}, 20, 80},
+        {"a stalled engine makes the guess grow", 1, {{0, 0, 0, 400}, {10, 40, 0, 400}}, 40, 360},
+        {"an engine that slows down shows within a few batches",
+         1,
+         {{0, 0, 0, 800},
+          {10, 40, 0, 800},
+          {20, 80, 0, 800},
+          {30, 120, 0, 800},
+          {40, 160, 0, 800},
+          {60, 200, 0, 800},
+          {80, 240, 0, 800},
+          {100, 280, 0, 800},
+          {120, 320, 0, 800}},
+         120,
+         240},
+        {"between answers the guess counts down", 1, {{0, 0, 0, 400}, {10, 40, 0, 400}}, 15, 85},
+        {"nothing left", 1, {{0, 0, 0, 40}, {5, 40, 0, 40}}, 6, 0},
+    };
+    const TimeLeft::Clock::time_point start;
+    const auto at = [&](double seconds) {
+        return start + std::chrono::duration_cast<TimeLeft::Clock::duration>(
+                           std::chrono::duration<double>(seconds));
+    };
+    for (const auto& c : cases) {
+        TimeLeft guess(c.concurrency);
+        for (const Report& report : c.reports)
+            guess.observe({report.total, report.done, report.cached, 0}, at(report.at));
+        const std::optional<double> left = guess.secondsLeft(at(c.askedAt));
+        ASSERT_EQ(left.has_value(), c.left.has_value()) << c.name;
+        if (left) {
+            EXPECT_NEAR(*left, *c.left, 0.01) << c.name;
+        }
+    }
+}
+
+// A job whose mux fails (its output folder went away) and is retried: the result counts the
+// failed leg's time too.
+TEST(LongWait, TheResultsElapsedTimeCoversTheLegsBeforeARetry) {
+    Workspace work;
+    std::promise<void> open;
+    const std::shared_future<void> opened = open.get_future().share();
+    test::ChatCompletionsServer server(
+        {.key = {}, .translate = [opened](int, const QString& text) -> QString {
+             opened.wait();
+             return u"es: "_s + text;
+         }});
+    work.preferences->setProviderIDStorage(Provider::local().id);
+    work.preferences->setBaseURL(server.baseUrl(), Provider::local());
+    work.preferences->setModel(u"modelo-a"_s, Provider::local());
+    const QString video = work.video(u"Movie.mkv"_s, {track(u"eng"_s)});
+    const QString folder = work.path(u"out"_s);
+    ASSERT_TRUE(QDir().mkpath(folder));
+
+    AppState state;
+    const auto reaches = [&](Phase::Kind kind) {
+        return QTest::qWaitFor([&] { return state.phase().kind() == kind; }, patience);
+    };
+    const auto leg = [&] {
+        state.load(video, *work.preferences);
+        ASSERT_TRUE(reaches(Phase::Kind::ready)) << state.phase().message().toStdString();
+        state.setOutputURL(folder + u"/Movie.es.mkv"_s);
+        state.start(*work.preferences);
+    };
+
+    leg();
+    // The translation waits for the server, which waits for the failed leg to have taken time.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return state.elapsed() >= 3; }, patience));
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    open.set_value();
+    ASSERT_TRUE(reaches(Phase::Kind::failed));
+    const double failedLeg = state.elapsed();
+    EXPECT_GE(failedLeg, 3);
+
+    ASSERT_TRUE(QDir().mkpath(folder));
+    leg();
+    ASSERT_TRUE(reaches(Phase::Kind::finished)) << state.phase().message().toStdString();
+    ASSERT_TRUE(state.result());
+    EXPECT_GT(state.result()->elapsed, failedLeg);
+
+    // A new job starts from zero.
+    leg();
+    ASSERT_TRUE(reaches(Phase::Kind::finished)) << state.phase().message().toStdString();
+    EXPECT_LT(state.result()->elapsed, failedLeg);
+}
+
+} // namespace
