@@ -2,16 +2,56 @@
 
 #include <algorithm>
 
+#include <QRegularExpression>
+
 #include "VeltoKit/engines/HttpClient.h"
 #include "VeltoKit/engines/JsonReader.h"
 
 namespace velto {
+
+namespace {
+
+// A web page quoted in a message is a short line of its text, never its markup.
+constexpr int pageExcerptCharacters = 120;
+
+bool isWebPage(const QByteArray& body) {
+    const QByteArray start = body.left(512).trimmed().toLower();
+    return start.startsWith("<!doctype") || start.startsWith("<html") ||
+           start.startsWith("<?xml") || start.contains("<body") || start.contains("<head");
+}
+
+QString pageText(const QByteArray& body) {
+    static const QRegularExpression hidden(
+        QStringLiteral("<(script|style)\\b[^>]*>[\\s\\S]*?</\\1\\s*>|<!--[\\s\\S]*?-->"),
+        QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression tag(QStringLiteral("<[^>]*>?"));
+    static const QRegularExpression blanks(QStringLiteral("\\s+"),
+                                           QRegularExpression::UseUnicodePropertiesOption);
+    QString text = QString::fromUtf8(body);
+    text.remove(hidden).replace(tag, QStringLiteral(" "));
+    text.replace(QStringLiteral("&nbsp;"), QStringLiteral(" "))
+        .replace(QStringLiteral("&lt;"), QStringLiteral("‹"))
+        .replace(QStringLiteral("&gt;"), QStringLiteral("›"))
+        .replace(QStringLiteral("&quot;"), QStringLiteral("\""))
+        .replace(QStringLiteral("&#39;"), QStringLiteral("'"))
+        .replace(QStringLiteral("&amp;"), QStringLiteral("&"));
+    text = text.replace(blanks, QStringLiteral(" ")).trimmed();
+    if (text.isEmpty())
+        return QStringLiteral("una página de error sin texto");
+    if (text.size() > pageExcerptCharacters)
+        text = text.left(pageExcerptCharacters - 1).trimmed() + u'…';
+    return text;
+}
+
+} // namespace
 
 QString FailureWording::detail(const HttpResponse& response) const {
     if (quotesServiceMessage) {
         if (std::optional<QString> message = JsonReader::apiErrorMessage(response.body))
             return *message;
     }
+    if (bodyCharacters > 0 && isWebPage(response.body))
+        return pageText(response.body);
     return bodyCharacters > 0 ? response.text(bodyCharacters) : unreadable;
 }
 

@@ -200,7 +200,7 @@ void Preferences::setBaseURL(const QString& address, const Provider& provider) {
 }
 
 QString Preferences::apiKey(const Provider& provider) const {
-    return m_readKey(provider.id);
+    return provider.acceptsKey() ? m_readKey(provider.id) : QString();
 }
 
 void Preferences::setAPIKey(const QString& key, const Provider& provider) {
