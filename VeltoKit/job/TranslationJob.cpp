@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QTemporaryFile>
 
+#include "VeltoKit/core/OwnerOnly.h"
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/job/JobError.h"
 #include "VeltoKit/job/JobPlan.h"
@@ -124,7 +125,7 @@ private:
 
     // The cache is written after every batch; a folder that refuses it would fail silently.
     void checkCacheFolder() const {
-        if (!QDir().mkpath(m_cacheDirectory) || !canCreateFilesIn(m_cacheDirectory))
+        if (!OwnerOnly::makeFolder(m_cacheDirectory) || !canCreateFilesIn(m_cacheDirectory))
             throw JobError::cacheUnavailable(m_cacheDirectory);
     }
 
@@ -132,6 +133,7 @@ private:
                                               const WorkingDirectory& work) {
         report(JobStage::extracting, track.summary());
         const QString path = m_ffmpeg.extract(track, m_source, work.path(), m_stop);
+        OwnerOnly::closeFile(path);
         return Subtitles::load(path, track.codec);
     }
 
@@ -202,6 +204,7 @@ private:
         Subtitles::verifyTiming(document, *rebuilt);
         const QString path = work.filePath(QStringLiteral("es") + rebuilt->fileExtension());
         Subtitles::write(*rebuilt, path);
+        OwnerOnly::closeFile(path);
         // Proves the file that goes into the video, not only the object it came from.
         Subtitles::verifyTiming(document, *Subtitles::load(path, rebuilt->kind()));
         return path;

@@ -24,9 +24,9 @@ public:
     };
     struct Reply {
         int status = 200;
-        QByteArray body;
+        QByteArray body{};
         QByteArray contentType = "application/json";
-        QMap<QByteArray, QByteArray> headers;
+        QMap<QByteArray, QByteArray> headers{};
         // When set, the body is `body` repeated this many times, made as it is sent.
         qint64 repeat = 0;
     };
