@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
+#include <QDateTime>
+#include <QLocale>
 #include <QRegularExpression>
+#include <QTimeZone>
 
 #include "VeltoKit/engines/HttpClient.h"
 #include "VeltoKit/engines/JsonReader.h"
@@ -43,6 +46,36 @@ QString pageText(const QByteArray& body) {
     return text;
 }
 
+// How long the service asked to be left alone: its Retry-After header, in seconds or as an HTTP
+// date, or the wait Gemini writes in its message ("Please retry in 5.7s").
+std::optional<std::chrono::milliseconds> askedPause(const HttpResponse& response) {
+    using std::chrono::milliseconds;
+    const QString header = QString::fromLatin1(response.retryAfter);
+    bool isNumber = false;
+    const double seconds = header.toDouble(&isNumber);
+    if (isNumber && seconds >= 0)
+        return milliseconds(qint64(seconds * 1000));
+    if (!header.isEmpty()) {
+        QDateTime when = QLocale::c().toDateTime(header.section(u' ', 0, 4),
+                                                 QStringLiteral("ddd, dd MMM yyyy HH:mm:ss"));
+        when.setTimeZone(QTimeZone::utc());
+        if (when.isValid())
+            return milliseconds(std::max<qint64>(0, QDateTime::currentDateTimeUtc().msecsTo(when)));
+    }
+    static const QRegularExpression inBody(
+        QStringLiteral("retry in ([0-9]+(?:\\.[0-9]+)?) "
+                       "?(ms|s)\\b|\"retryDelay\"\\s*:\\s*\"([0-9]+(?:\\.[0-9]+)?)s\""),
+        QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch match = inBody.match(QString::fromUtf8(response.body.left(4096)));
+    if (!match.hasMatch())
+        return std::nullopt;
+    if (match.hasCaptured(3))
+        return milliseconds(qint64(match.captured(3).toDouble() * 1000));
+    const double amount = match.captured(1).toDouble();
+    return milliseconds(qint64(
+        match.captured(2).compare(u"ms", Qt::CaseInsensitive) == 0 ? amount : amount * 1000));
+}
+
 } // namespace
 
 QString FailureWording::detail(const HttpResponse& response) const {
@@ -57,7 +90,11 @@ QString FailureWording::detail(const HttpResponse& response) const {
 
 TranslationError FailureWording::errorFor(const HttpResponse& response,
                                           const QString& model) const {
-    return errorFor(response.status, detail(response), model);
+    TranslationError error = errorFor(response.status, detail(response), model);
+    if (error.isFatal())
+        return error;
+    const std::optional<std::chrono::milliseconds> pause = askedPause(response);
+    return pause ? TranslationError::busy(error.message(), *pause) : error;
 }
 
 TranslationError FailureWording::errorFor(int status, const QString& detail,
