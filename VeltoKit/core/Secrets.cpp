@@ -28,7 +28,7 @@ const QRegularExpression& headerValue() {
     static const QRegularExpression pattern(
         QStringLiteral("((?:proxy-)?authorization|x-api-key|x-goog-api-key|api[-_]?key|"
                        "access[-_]?token)(\"?'?\\s*[:=]\\s*\"?'?)((?:bearer|basic|token)\\s+)?+"
-                       "(?!\\[)[^\\s\"',;&}<]+"),
+                       "(?!\\[)[^\\s\"',;&}<]*[^\\s\"',;&}<.:)]"),
         QRegularExpression::CaseInsensitiveOption);
     return pattern;
 }
@@ -36,7 +36,8 @@ const QRegularExpression& headerValue() {
 // A key in a web address's query, as Gemini's own examples put it.
 const QRegularExpression& queryKey() {
     static const QRegularExpression pattern(
-        QStringLiteral("([?&](?:key|token|api[-_]?key|access[-_]?token)=)(?!\\[)[^&\\s\"'#<]+"),
+        QStringLiteral("([?&](?:key|token|api[-_]?key|access[-_]?token)=)(?!\\[)[^&\\s\"'#<]*[^&"
+                       "\\s\"'#<.,;:)]"),
         QRegularExpression::CaseInsensitiveOption);
     return pattern;
 }

@@ -141,6 +141,11 @@ TEST_F(CliSecretsTest, AKeyEchoedBackNeverLeavesTheProcess) {
         }
         m_environment.remove(row.variable);
     }
+    // A key typed into the address, as Gemini's own examples show it, is hidden too.
+    const Outcome typed = run({u"--provider"_s, u"local"_s, u"--base-url"_s,
+                               u"http://127.0.0.1:9/v1?key=clave-en-la-direccion"_s, u"--model"_s,
+                               u"m"_s, u"--check"_s});
+    EXPECT_FALSE(typed.text.contains(u"clave-en-la-direccion"_s)) << typed.text.toStdString();
 }
 
 TEST_F(CliSecretsTest, ACredentialStoreThatNeverAnswersHangsNoRun) {
