@@ -3,15 +3,10 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
-#include <QProcess>
-#include <QTemporaryDir>
 
-#include <gtest/gtest.h>
-
-#include "support/MediaFixtures.h"
+#include "cli/CliHome.h"
 #include "support/ReplyingHttpServer.h"
 #include "support/ShellScripts.h"
 
@@ -20,11 +15,6 @@ using namespace velto;
 using namespace velto::test;
 
 namespace {
-
-struct Outcome {
-    int status = -1;
-    QString text; // standard output and standard error
-};
 
 // A session bus that takes every connection and never says a word.
 class SilentBus {
@@ -52,45 +42,23 @@ private:
     bool m_listening = false;
 };
 
-// veltomkv-cli in a home of its own, under a hostile service, bus or neighbour.
-class CliSecretsTest : public testing::Test {
+// veltomkv-cli under a hostile service, bus or neighbour.
+class CliSecretsTest : public CliHome {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(m_root.isValid());
-        QDir(m_root.path()).mkpath(u"tmp"_s);
-        m_environment = QProcessEnvironment::systemEnvironment();
-        for (const QString& variable : {u"VELTOMKV_API_KEY"_s, u"OPENAI_API_KEY"_s,
-                                        u"ANTHROPIC_API_KEY"_s, u"GEMINI_API_KEY"_s})
-            m_environment.remove(variable);
-        m_environment.insert(u"TMPDIR"_s, path(u"tmp"_s));
-        m_environment.insert(u"XDG_DATA_HOME"_s, path(u"data"_s));
-        m_environment.insert(u"XDG_CONFIG_HOME"_s, path(u"config"_s));
+        CliHome::SetUp();
+        m_environment.remove(u"GEMINI_API_KEY"_s);
     }
 
-    QString path(const QString& name) const { return QDir(m_root.path()).filePath(name); }
-
-    // A run that has not ended in a minute is killed and reported with status -1.
-    Outcome run(const QStringList& arguments) const {
-        QProcess process;
-        process.setProcessEnvironment(m_environment);
-        process.start(QStringLiteral(VELTO_CLI_PATH), arguments);
-        process.closeWriteChannel();
-        if (!process.waitForFinished(60'000)) {
-            process.kill();
-            process.waitForFinished();
-            return {};
-        }
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput() +
-                                                      process.readAllStandardError())};
+    // Output and errors together; a run still going after a minute is stopped and fails.
+    CliOutcome runForAMinute(const QStringList& arguments) {
+        start(arguments);
+        if (!m_process.waitForFinished(60'000))
+            m_process.kill();
+        CliOutcome outcome = finish();
+        outcome.out += outcome.err;
+        return outcome;
     }
-
-    QString video() const {
-        MediaFixtures::writeVideo(path(u"Película.mkv"_s), {.subtitles = {{.language = u"eng"_s}}});
-        return path(u"Película.mkv"_s);
-    }
-
-    QTemporaryDir m_root;
-    QProcessEnvironment m_environment;
 };
 
 // Rejects every request, quoting the headers it received the way careless services do.
@@ -110,7 +78,7 @@ TEST_F(CliSecretsTest, AKeyEchoedBackNeverLeavesTheProcess) {
     const QString claude = writeShellScript(
         path(u"claude"_s), u"cat >/dev/null\necho \"401 x-api-key: $ANTHROPIC_API_KEY\" >&2\n"
                            "echo \"clave usada: $ANTHROPIC_API_KEY\" >&2\nexit 1\n"_s);
-    const QString source = video();
+    const QString source = englishVideo(u"Película.mkv"_s);
     struct Row {
         QString variable;
         QString key;
@@ -134,18 +102,19 @@ TEST_F(CliSecretsTest, AKeyEchoedBackNeverLeavesTheProcess) {
     for (const Row& row : rows) {
         m_environment.insert(row.variable, row.key);
         for (const QStringList& mode : modes) {
-            const Outcome outcome = run(row.engine + QStringList{u"--model"_s, u"m"_s} + mode);
+            const CliOutcome outcome =
+                runForAMinute(row.engine + QStringList{u"--model"_s, u"m"_s} + mode);
             SCOPED_TRACE(QString(row.engine.at(1) + u' ' + mode.first()).toStdString());
-            EXPECT_FALSE(outcome.text.contains(row.key)) << outcome.text.toStdString();
-            EXPECT_FALSE(outcome.text.contains(row.key.right(8))) << outcome.text.toStdString();
+            EXPECT_FALSE(outcome.out.contains(row.key)) << outcome.out.toStdString();
+            EXPECT_FALSE(outcome.out.contains(row.key.right(8))) << outcome.out.toStdString();
         }
         m_environment.remove(row.variable);
     }
     // A key typed into the address, as Gemini's own examples show it, is hidden too.
-    const Outcome typed = run({u"--provider"_s, u"local"_s, u"--base-url"_s,
-                               u"http://127.0.0.1:9/v1?key=clave-en-la-direccion"_s, u"--model"_s,
-                               u"m"_s, u"--check"_s});
-    EXPECT_FALSE(typed.text.contains(u"clave-en-la-direccion"_s)) << typed.text.toStdString();
+    const CliOutcome typed = runForAMinute({u"--provider"_s, u"local"_s, u"--base-url"_s,
+                                            u"http://127.0.0.1:9/v1?key=clave-en-la-direccion"_s,
+                                            u"--model"_s, u"m"_s, u"--check"_s});
+    EXPECT_FALSE(typed.out.contains(u"clave-en-la-direccion"_s)) << typed.out.toStdString();
 }
 
 TEST_F(CliSecretsTest, ACredentialStoreThatNeverAnswersHangsNoRun) {
@@ -153,15 +122,17 @@ TEST_F(CliSecretsTest, ACredentialStoreThatNeverAnswersHangsNoRun) {
     ASSERT_TRUE(bus.listening());
     m_environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path="_s + path(u"bus"_s));
 
-    const Outcome echo = run({u"--provider"_s, u"echo"_s, u"--no-cache"_s, video()});
-    EXPECT_EQ(echo.status, 0) << echo.text.toStdString();
+    const CliOutcome echo = runForAMinute(
+        {u"--provider"_s, u"echo"_s, u"--no-cache"_s, englishVideo(u"Película.mkv"_s)});
+    EXPECT_EQ(echo.status, 0) << echo.out.toStdString();
 
     ReplyingHttpServer server(echoHeaders);
-    const Outcome local = run({u"--provider"_s, u"local"_s, u"--base-url"_s,
-                               server.baseUrl() + u"/v1"_s, u"--model"_s, u"m"_s, u"--check"_s});
+    const CliOutcome local =
+        runForAMinute({u"--provider"_s, u"local"_s, u"--base-url"_s, server.baseUrl() + u"/v1"_s,
+                       u"--model"_s, u"m"_s, u"--check"_s});
     EXPECT_EQ(local.status, 1);
-    EXPECT_TRUE(local.text.startsWith(u"El llavero del sistema no respondió en 5 segundos"_s))
-        << local.text.toStdString();
+    EXPECT_TRUE(local.out.startsWith(u"El llavero del sistema no respondió en 5 segundos"_s))
+        << local.out.toStdString();
 }
 
 TEST_F(CliSecretsTest, WhatIsTranslatedIsReadableByItsOwnerOnly) {
@@ -175,9 +146,10 @@ TEST_F(CliSecretsTest, WhatIsTranslatedIsReadableByItsOwnerOnly) {
                          "printf '%s\\n' \"$prompt\" | sed -n '/^BLOQUES A TRADUCIR:$/,$p' | "
                          "tail -n +2 | sed 's/^\\([^#]\\)/es: \\1/'\n"_s);
     m_environment.insert(u"LOG"_s, path(u"modes.log"_s));
-    const Outcome translated =
-        run({u"--provider"_s, u"claudeCLI"_s, u"--claude-path"_s, claude, video()});
-    ASSERT_EQ(translated.status, 0) << translated.text.toStdString();
+    const CliOutcome translated =
+        runForAMinute({u"--provider"_s, u"claudeCLI"_s, u"--claude-path"_s, claude,
+                       englishVideo(u"Película.mkv"_s)});
+    ASSERT_EQ(translated.status, 0) << translated.out.toStdString();
 
     QStringList seen = QString::fromUtf8(MediaFixtures::readFile(path(u"modes.log"_s)))
                            .split(u'\n', Qt::SkipEmptyParts);
