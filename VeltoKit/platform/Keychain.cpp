@@ -15,7 +15,8 @@ namespace {
 
 const QString service = QStringLiteral("com.veltomkv.apikey");
 
-// Set once the store took a call and never answered: asking again would only wait again.
+// Set while a call the store took has gone unanswered past the deadline: asking again would
+// only wait again.
 std::atomic<bool> storeSilent = false;
 
 QString silentReason() {
@@ -47,7 +48,10 @@ std::optional<QKeychain::Error> runToEnd(std::unique_ptr<Job>& job) {
     if (!finished) {
         storeSilent = true;
         QObject::disconnect(job.get(), nullptr, &loop, nullptr);
-        job.release()->setAutoDelete(true);
+        // A store that was only slow (an unlock prompt left open) is asked again once it spoke.
+        Job* late = job.release();
+        QObject::connect(late, &QKeychain::Job::finished, late, [] { storeSilent = false; });
+        late->setAutoDelete(true);
         return std::nullopt;
     }
     return job->error();
