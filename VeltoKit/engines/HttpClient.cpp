@@ -53,22 +53,23 @@ private:
 struct Arrival {
     HttpResponse& response;
     qsizetype maxBytes;
-    bool overflowed = false;
 };
 
 size_t appendToBody(char* data, size_t size, size_t count, void* target) {
     auto* arrival = static_cast<Arrival*>(target);
     const qsizetype bytes = qsizetype(size * count);
-    if (arrival->response.body.size() + bytes > arrival->maxBytes) {
-        arrival->overflowed = true;
-        return 0; // Anything but `bytes` makes libcurl end the transfer.
-    }
+    // Anything but `bytes` ends the transfer with a write error: only this callback makes one.
+    if (arrival->response.body.size() + bytes > arrival->maxBytes)
+        return 0;
     arrival->response.body.append(data, bytes);
     return size * count;
 }
 
 size_t readHeader(char* data, size_t size, size_t count, void* target) {
     const QByteArray line = QByteArray(data, qsizetype(size * count));
+    // A redirect's headers are not the answer's.
+    if (line.startsWith("HTTP/"))
+        static_cast<Arrival*>(target)->response.retryAfter.clear();
     const qsizetype colon = line.indexOf(':');
     if (colon > 0 && line.left(colon).trimmed().toLower() == "retry-after")
         static_cast<Arrival*>(target)->response.retryAfter = line.mid(colon + 1).trimmed();
