@@ -40,8 +40,14 @@ void AppShell::configureApplication() {
 }
 
 Preferences::KeyReader AppShell::keychainReader() {
+    // A store that keeps silent reads as no key here: the window then says what is missing,
+    // and it waited no longer than the store's deadline.
     return [](const QString& account) {
-        return Provider::byID(account).needsKey ? Keychain::get(account) : QString();
+        try {
+            return Keychain::get(account);
+        } catch (const KeychainError&) {
+            return QString();
+        }
     };
 }
 

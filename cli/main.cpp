@@ -6,6 +6,7 @@
 #include "VeltoKit/engines/HttpClient.h"
 #include "VeltoKit/media/Shell.h"
 #include "VeltoKit/media/ShellError.h"
+#include "VeltoKit/platform/Keychain.h"
 #include "VeltoKit/providers/ModelDiscovery.h"
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoKit/translation/TranslationBackend.h"
@@ -102,7 +103,16 @@ int execute(const CliOptions& options) {
     if (options.setKeyFor)
         return storeKeyFromInput(Provider::byID(*options.setKeyFor));
     const Preferences preferences(Preferences::platformStore(), &EngineChoice::apiKeyFor);
-    const EngineConfiguration engine = EngineChoice::configuration(preferences, options.engine);
+    std::optional<EngineConfiguration> chosen;
+    try {
+        chosen = EngineChoice::configuration(preferences, options.engine);
+    } catch (const KeychainError& error) {
+        return failWith(
+            error.description(),
+            QStringLiteral("Desde la terminal, la variable VELTOMKV_API_KEY no pasa por "
+                           "el llavero."));
+    }
+    const EngineConfiguration& engine = *chosen;
     if (options.listModels)
         return listModels(engine);
     if (options.check)

@@ -1,9 +1,11 @@
 #include "VeltoKit/core/VeltoError.h"
 
+#include "VeltoKit/core/Secrets.h"
+
 namespace velto {
 
 VeltoError::VeltoError(QString description)
-    : m_description(std::move(description))
+    : m_description(Secrets::redacted(std::move(description)))
     , m_utf8(m_description.toUtf8()) {}
 
 const char* VeltoError::what() const noexcept {

@@ -5,6 +5,7 @@
 #include <QStringView>
 #include <QUuid>
 
+#include "VeltoKit/core/OwnerOnly.h"
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/media/Shell.h"
 #include "VeltoKit/translation/TranslationError.h"
@@ -45,7 +46,7 @@ public:
         : m_path(QDir(QDir::tempPath())
                      .filePath(QStringLiteral("veltomkv-cli-") +
                                QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper())) {
-        if (!QDir().mkpath(m_path)) {
+        if (!OwnerOnly::makeFolder(m_path)) {
             throw FileError(QStringLiteral("No pude crear la carpeta temporal «") + m_path +
                             QStringLiteral("»."));
         }

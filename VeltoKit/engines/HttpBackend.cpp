@@ -4,12 +4,15 @@
 
 #include <QJsonDocument>
 
+#include "VeltoKit/core/Secrets.h"
 #include "VeltoKit/engines/JsonReader.h"
 
 namespace velto {
 
 QList<HttpBackend::Service::Header> HttpBackend::Service::headers(const QString& apiKey) const {
     QList<Header> all = fixedHeaders;
+    // A key that leaves in a header may come back in any answer; from now on it is hidden.
+    Secrets::remember(apiKey);
     if (!apiKey.isEmpty())
         all.prepend({keyHeader, keyPrefix + apiKey.toUtf8()});
     return all;

@@ -49,9 +49,35 @@ private:
     curl_slist* m_list = nullptr;
 };
 
-size_t appendToBody(char* data, size_t size, size_t count, void* body) {
-    static_cast<QByteArray*>(body)->append(data, qsizetype(size * count));
+// Where a transfer puts what arrives, and how much it may take.
+struct Arrival {
+    HttpResponse& response;
+    qsizetype maxBytes;
+};
+
+size_t appendToBody(char* data, size_t size, size_t count, void* target) {
+    auto* arrival = static_cast<Arrival*>(target);
+    const qsizetype bytes = qsizetype(size * count);
+    // Anything but `bytes` ends the transfer with a write error: only this callback makes one.
+    if (arrival->response.body.size() + bytes > arrival->maxBytes)
+        return 0;
+    arrival->response.body.append(data, bytes);
     return size * count;
+}
+
+size_t readHeader(char* data, size_t size, size_t count, void* target) {
+    const QByteArray line = QByteArray(data, qsizetype(size * count));
+    // A redirect's headers are not the answer's.
+    if (line.startsWith("HTTP/"))
+        static_cast<Arrival*>(target)->response.retryAfter.clear();
+    const qsizetype colon = line.indexOf(':');
+    if (colon > 0 && line.left(colon).trimmed().toLower() == "retry-after")
+        static_cast<Arrival*>(target)->response.retryAfter = line.mid(colon + 1).trimmed();
+    return size * count;
+}
+
+QString megabytes(qsizetype bytes) {
+    return QString::number(double(bytes) / (1024 * 1024), 'g', 3).replace(u'.', u',');
 }
 
 QString placeOf(const QUrl& url) {
@@ -90,6 +116,13 @@ HttpError transportError(CURLcode code, const HttpRequest& request) {
         return {Kind::insecure,
                 QStringLiteral("No se pudo establecer una conexión segura con ") + place +
                     QStringLiteral(". Revisá la fecha y hora del sistema y tu red.")};
+    case CURLE_WRITE_ERROR:
+    case CURLE_FILESIZE_EXCEEDED:
+        return {Kind::tooLarge, QStringLiteral("La respuesta de ") + place +
+                                    QStringLiteral(" pasó de ") +
+                                    megabytes(request.maxAnswerBytes) +
+                                    QStringLiteral(" MB, mucho más de lo que necesita un lote de "
+                                                   "subtítulos, así que la dejé de leer.")};
     case CURLE_GOT_NOTHING:
     case CURLE_SEND_ERROR:
     case CURLE_RECV_ERROR:
@@ -242,7 +275,7 @@ private:
 namespace {
 
 void configure(CURL* easy, CURLSH* share, const HttpRequest& request, const QByteArray& url,
-               const HeaderList& headers, QByteArray& body) {
+               const HeaderList& headers, Arrival& arrival) {
     curl_easy_setopt(easy, CURLOPT_URL, url.constData());
     curl_easy_setopt(easy, CURLOPT_SHARE, share);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
@@ -265,8 +298,11 @@ void configure(CURL* easy, CURLSH* share, const HttpRequest& request, const QByt
     } else {
         curl_easy_setopt(easy, CURLOPT_HTTPGET, 1L);
     }
+    curl_easy_setopt(easy, CURLOPT_MAXFILESIZE_LARGE, curl_off_t(request.maxAnswerBytes));
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &appendToBody);
-    curl_easy_setopt(easy, CURLOPT_WRITEDATA, &body);
+    curl_easy_setopt(easy, CURLOPT_WRITEDATA, &arrival);
+    curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &readHeader);
+    curl_easy_setopt(easy, CURLOPT_HEADERDATA, &arrival);
 }
 
 } // namespace
@@ -292,7 +328,8 @@ HttpResponse HttpClient::send(const HttpRequest& request, std::stop_token stop) 
     {
         const QByteArray url = request.url.toEncoded();
         const HeaderList headers(request.headers);
-        configure(channel->easy(), m_share->handle, request, url, headers, response.body);
+        Arrival arrival{response, request.maxAnswerBytes};
+        configure(channel->easy(), m_share->handle, request, url, headers, arrival);
         result = channel->perform(stop);
         long status = 0;
         curl_easy_getinfo(channel->easy(), CURLINFO_RESPONSE_CODE, &status);

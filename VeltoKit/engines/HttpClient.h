@@ -22,11 +22,16 @@ struct HttpRequest {
     QList<std::pair<QByteArray, QByteArray>> headers;
     QByteArray body;
     double timeoutSeconds = 60;
+    // An answer longer than this is cut off and fails: far beyond what a batch of subtitles or a
+    // model listing needs, and memory stays bounded whatever a server sends.
+    qsizetype maxAnswerBytes = 16 * 1024 * 1024;
 };
 
 struct HttpResponse {
     int status = 0;
     QByteArray body;
+    // The Retry-After header as sent (seconds or an HTTP date); empty when absent.
+    QByteArray retryAfter;
 
     // The body as UTF-8 (invalid bytes replaced), cut to its first `maxCharacters`.
     QString text(int maxCharacters) const;
@@ -35,7 +40,15 @@ struct HttpResponse {
 // The exchange never produced a response: refused, unknown host, time-out, broken TLS...
 class HttpError : public VeltoError {
 public:
-    enum class Kind { cannotConnect, unknownHost, timedOut, insecure, interrupted, other };
+    enum class Kind {
+        cannotConnect,
+        unknownHost,
+        timedOut,
+        insecure,
+        interrupted,
+        tooLarge,
+        other
+    };
 
     HttpError(Kind kind, QString description);
 

@@ -97,7 +97,10 @@ QString OpenAICompatibleBackend::answerOf(const JsonReader& reply) const {
 HttpResponse OpenAICompatibleBackend::send(const HttpRequest& request, std::stop_token stop) const {
     try {
         return HttpBackend::send(request, stop);
-    } catch (const HttpError&) {
+    } catch (const HttpError& error) {
+        // The server did answer: too much. That is its own failure, said as it is.
+        if (error.kind() == HttpError::Kind::tooLarge)
+            throw;
         throw unreachable(baseUrl());
     }
 }
@@ -107,7 +110,9 @@ QStringList OpenAICompatibleBackend::listModels(const QString& baseUrl, const QS
     try {
         return sortedIds(openAICompatible().fetchListing(baseUrl, QStringLiteral("/models"), apiKey,
                                                          http, stop));
-    } catch (const HttpError&) {
+    } catch (const HttpError& error) {
+        if (error.kind() == HttpError::Kind::tooLarge)
+            throw;
         throw unreachable(trimBaseAddress(baseUrl));
     }
 }

@@ -1,11 +1,17 @@
 #include "VeltoKit/engines/Retry.h"
 
+#include <algorithm>
 #include <condition_variable>
 
 namespace velto::Retry {
 
 std::chrono::seconds backoffDelay(int attempt) {
     return std::chrono::seconds(attempt >= 4 ? 16 : (1 << attempt));
+}
+
+std::chrono::seconds pauseAfter(int attempt, std::chrono::milliseconds requested) {
+    const auto asked = std::chrono::ceil<std::chrono::seconds>(requested);
+    return std::max(backoffDelay(attempt), std::min(asked, longestRequestedPause));
 }
 
 void cancellableWait(std::chrono::seconds duration, std::stop_token stop) {

@@ -23,9 +23,15 @@ void cancellableWaitHolding(std::chrono::seconds duration, std::stop_token stop,
 
 // The pause after the failure of attempt number `attempt` (0-based): 1, 2, 4, 8, 16, 16... s.
 std::chrono::seconds backoffDelay(int attempt);
+// The longest a service may ask to be left alone before the next attempt.
+constexpr std::chrono::seconds longestRequestedPause{60};
+// The back-off, or the pause the failure asked for when longer (whole seconds, at most
+// longestRequestedPause).
+std::chrono::seconds pauseAfter(int attempt, std::chrono::milliseconds requested);
 
 // Calls operation(attempt) up to `attempts` times. A fatal TranslationError ends the loop at
-// once; any other error is retried after a back-off, and the last one is rethrown unchanged.
+// once; any other error is retried after a back-off, lengthened to the pause the service asked
+// for, and the last one is rethrown unchanged.
 // `stop` cuts a wait short; an interrupted wait is not an error, the next attempt surfaces the
 // cancellation.
 template <typename Operation>
@@ -36,16 +42,18 @@ auto withBackoff(int attempts, Operation&& operation, std::stop_token stop,
     if (attempts == 0)
         throw TranslationError::transient(QStringLiteral("Fallo desconocido"));
     for (int attempt = 0;; ++attempt) {
+        std::chrono::milliseconds requested{0};
         try {
             return operation(attempt);
         } catch (const TranslationError& error) {
             if (error.isFatal() || attempt == attempts - 1)
                 throw;
+            requested = error.requestedPause();
         } catch (...) {
             if (attempt == attempts - 1)
                 throw;
         }
-        wait(backoffDelay(attempt), stop);
+        wait(pauseAfter(attempt, requested), stop);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QTemporaryFile>
 
+#include "VeltoKit/core/OwnerOnly.h"
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/job/JobError.h"
 #include "VeltoKit/job/JobPlan.h"
@@ -126,7 +127,7 @@ private:
 
     // The cache is written after every batch; a folder that refuses it would fail silently.
     void checkCacheFolder() const {
-        if (!QDir().mkpath(m_cacheDirectory) || !canCreateFilesIn(m_cacheDirectory))
+        if (!OwnerOnly::makeFolder(m_cacheDirectory) || !canCreateFilesIn(m_cacheDirectory))
             throw JobError::cacheUnavailable(m_cacheDirectory);
     }
 
@@ -134,6 +135,7 @@ private:
                                               const WorkingDirectory& work) {
         report(JobStage::extracting, track.summary());
         const QString path = m_ffmpeg.extract(track, m_source, work.path(), m_stop);
+        OwnerOnly::closeFile(path);
         return Subtitles::load(path, track.codec);
     }
 
@@ -211,6 +213,7 @@ private:
         const QString path = work.filePath(QStringLiteral("es") + rebuilt->fileExtension());
         // It lives in the working directory and goes with it.
         Subtitles::write(*rebuilt, path, Subtitles::Keeping::scratch);
+        OwnerOnly::closeFile(path);
         // Proves the file that goes into the video, not only the object it came from.
         Subtitles::verifyTiming(document, *Subtitles::load(path, rebuilt->kind()));
         return path;

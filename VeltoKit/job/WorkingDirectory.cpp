@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QUuid>
 
+#include "VeltoKit/core/OwnerOnly.h"
 #include "VeltoKit/core/VeltoError.h"
 
 namespace velto {
@@ -57,6 +58,9 @@ WorkingDirectory::WorkingDirectory() {
     std::filesystem::create_directories(m_path.toStdU16String(), error);
     if (error)
         throw creationFailure(parent, m_path, error);
+    // Still empty: nobody else can have seen anything in it.
+    if (!OwnerOnly::closeFolder(m_path))
+        throw creationFailure(parent, m_path, std::make_error_code(std::errc::permission_denied));
 }
 
 WorkingDirectory::~WorkingDirectory() {

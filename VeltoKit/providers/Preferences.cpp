@@ -4,6 +4,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include "VeltoKit/core/OwnerOnly.h"
 #include "VeltoKit/platform/Keychain.h"
 
 namespace velto {
@@ -47,7 +48,7 @@ QString Preferences::cacheDirectory() {
     const QString directory =
         QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation))
             .filePath(QStringLiteral("VeltoMKV/Cache"));
-    QDir().mkpath(directory);
+    OwnerOnly::makeFolder(directory);
     return directory;
 }
 
@@ -200,7 +201,7 @@ void Preferences::setBaseURL(const QString& address, const Provider& provider) {
 }
 
 QString Preferences::apiKey(const Provider& provider) const {
-    return m_readKey(provider.id);
+    return provider.acceptsKey() ? m_readKey(provider.id) : QString();
 }
 
 void Preferences::setAPIKey(const QString& key, const Provider& provider) {

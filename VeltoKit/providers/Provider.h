@@ -36,6 +36,9 @@ struct Provider {
 
     // A key of such a provider lives in the credential store.
     bool usesKeychain() const { return needsKey; }
+    // Whether a key is ever sent: a local server may want one although it needs none, while
+    // the claude program and the echo engine never take one and never ask the store.
+    bool acceptsKey() const { return flavor != Flavor::claudeCLI && flavor != Flavor::echo; }
     QList<Preset> presets() const;
 
     friend bool operator==(const Provider&, const Provider&) = default;

@@ -10,6 +10,8 @@
 #include <QRandomGenerator>
 #include <QSaveFile>
 
+#include "VeltoKit/core/OwnerOnly.h"
+
 namespace velto {
 
 namespace {
@@ -137,9 +139,9 @@ bool TranslationCache::write() const {
         appendJsonString(bytes, m_entries.value(key));
     }
     bytes += '}';
-    QDir().mkpath(QFileInfo(m_path).absolutePath());
+    OwnerOnly::makeFolder(QFileInfo(m_path).absolutePath());
     QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!file.open(QIODevice::WriteOnly) || !OwnerOnly::closeFile(file))
         return false;
     return file.write(bytes) == bytes.size() && file.commit();
 }

@@ -14,4 +14,10 @@ TranslationError TranslationError::transient(QString message) {
     return TranslationError(std::move(message), false);
 }
 
+TranslationError TranslationError::busy(QString message, std::chrono::milliseconds pause) {
+    TranslationError error(std::move(message), false);
+    error.m_pause = pause;
+    return error;
+}
+
 } // namespace velto
