@@ -9,6 +9,7 @@
 
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/Look.h"
+#include "VeltoMKV/WheelGuard.h"
 
 namespace velto {
 
@@ -21,6 +22,7 @@ AddressField::AddressField(Preferences& preferences, QWidget* parent)
     layout->addWidget(Look::heading(QStringLiteral("Dirección"), this));
     auto* row = new QHBoxLayout;
     m_presets = new QComboBox(this);
+    guardWheel(m_presets);
     m_presets->setAccessibleName(QStringLiteral("Servidor"));
     m_field = new QLineEdit(this);
     m_field->setAccessibleName(QStringLiteral("Dirección"));

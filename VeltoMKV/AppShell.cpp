@@ -1,7 +1,9 @@
 #include "VeltoMKV/AppShell.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
 #include <QSettings>
+#include <QTranslator>
 
 #include "VeltoKit/platform/Keychain.h"
 #include "VeltoKit/providers/Provider.h"
@@ -37,11 +39,21 @@ void AppShell::configureApplication() {
     QApplication::setDesktopFileName(QStringLiteral("veltomkv"));
     QApplication::setWindowIcon(appIcon());
     QApplication::setQuitOnLastWindowClosed(true);
+    // Qt's own dialogs (open, save, questions) speak the program's language.
+    auto* qtTexts = new QTranslator(qApp);
+    if (qtTexts->load(QStringLiteral("qtbase_es"),
+                      QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(qtTexts);
 }
 
 Preferences::KeyReader AppShell::keychainReader() {
     return [](const QString& account) {
-        return Provider::byID(account).needsKey ? Keychain::get(account) : QString();
+        // A local server may sit behind a key too; only the echo engine and the claude program
+        // never use one.
+        const Provider::Flavor flavor = Provider::byID(account).flavor;
+        const bool takesKey =
+            flavor != Provider::Flavor::echo && flavor != Provider::Flavor::claudeCLI;
+        return takesKey ? Keychain::get(account) : QString();
     };
 }
 

@@ -13,6 +13,7 @@
 
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AppIcon.h"
+#include "VeltoMKV/ElidingLabel.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/OptionsPanel.h"
 #include "VeltoMKV/Page.h"
@@ -106,12 +107,11 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     m_disclosure->setArrowType(Qt::RightArrow);
     m_disclosure->setAutoRaise(true);
     m_disclosure->setStyleSheet(QStringLiteral("QToolButton { border: none; padding: 2px 0; }"));
-    disclosureRow->addWidget(m_disclosure);
+    disclosureRow->addWidget(m_disclosure, 0, Qt::AlignLeft);
     disclosureRow->addSpacing(Look::rowGap);
-    m_optionsSummary = Look::secondary(QString(), this);
-    m_optionsSummary->setWordWrap(false);
-    disclosureRow->addWidget(m_optionsSummary);
-    disclosureRow->addStretch(1);
+    m_optionsSummary = new ElidingLabel(this, Qt::ElideRight);
+    m_optionsSummary->setForegroundRole(QPalette::PlaceholderText);
+    disclosureRow->addWidget(m_optionsSummary, 1);
     layout->addLayout(disclosureRow);
     m_options = new OptionsPanel(preferences, this);
     m_options->setVisible(false);
@@ -138,16 +138,12 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     engineRow->addWidget(chooseEngine);
     layout->addLayout(engineRow);
 
-    // Where the result goes.
+    // Where the result goes: the question over the name, so a long name has the whole row.
+    layout->addWidget(
+        Look::secondary(QStringLiteral("Dónde guardar el archivo con la pista nueva:"), this));
     auto* outputRow = new QHBoxLayout();
     outputRow->setSpacing(Look::rowGap / 2 + 2);
-    auto* outputLabel =
-        Look::secondary(QStringLiteral("Dónde guardar el archivo con la pista nueva:"), this);
-    outputLabel->setWordWrap(false);
-    outputRow->addWidget(outputLabel);
-    m_output = new QLabel(this);
-    m_output->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_output->setMinimumWidth(80);
+    m_output = new ElidingLabel(this);
     outputRow->addWidget(m_output, 1);
     auto* saveAs = Look::button(QStringLiteral("Guardar como"), this);
     connect(saveAs, &QPushButton::clicked, this, &JobView::chooseOutput);
@@ -248,7 +244,6 @@ void JobView::markChosenTrack() {
 void JobView::showOutput() {
     const std::optional<QString>& output = m_state.outputURL();
     m_output->setText(output ? QFileInfo(*output).fileName() : QString());
-    m_output->setToolTip(output.value_or(QString()));
 }
 
 void JobView::chooseOutput() {

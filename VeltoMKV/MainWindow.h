@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 
+class QAction;
 class QLabel;
 class QStackedWidget;
 
@@ -39,6 +40,8 @@ public:
     void openFile(const QString& path);
     void chooseFile();
     void startJob();
+    // Runs the failed job again as it was set up, or reads the file again if it never was.
+    void retry();
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -55,6 +58,8 @@ private:
     void showAbout();
     void returnPressed();
     bool acceptsFiles() const;
+    // The folder of the last video opened, or the home folder.
+    QString startFolder() const;
 
     AppState& m_state;
     Preferences& m_preferences;
@@ -69,6 +74,7 @@ private:
     FailureView* m_failureView;
     QWidget* m_ffmpegRow;
     QLabel* m_ffmpegText;
+    QAction* m_openAction;
     SettingsDialog* m_settingsDialog = nullptr;
     // Return came while the file was still being read: start as soon as it is ready.
     bool m_startWhenReady = false;

@@ -12,6 +12,7 @@
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/Spinner.h"
+#include "VeltoMKV/WheelGuard.h"
 #include "VeltoMKV/state/EngineQueries.h"
 
 namespace velto {
@@ -37,6 +38,7 @@ ModelField::ModelField(Preferences& preferences, EngineQueries& queries, QWidget
     row->addWidget(m_search);
     layout->addLayout(row);
     m_found = new QComboBox(this);
+    guardWheel(m_found);
     m_found->setAccessibleName(QStringLiteral("Modelos disponibles"));
     m_found->hide();
     layout->addWidget(m_found);

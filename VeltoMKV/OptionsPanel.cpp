@@ -14,6 +14,7 @@
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoKit/translation/SpanishVariant.h"
 #include "VeltoMKV/Look.h"
+#include "VeltoMKV/WheelGuard.h"
 
 namespace velto {
 namespace {
@@ -106,6 +107,9 @@ OptionsPanel::OptionsPanel(Preferences& preferences, QWidget* parent)
     steppers->addStretch();
     layout->addLayout(steppers);
 
+    for (QWidget* control : {static_cast<QWidget*>(m_variant), static_cast<QWidget*>(m_batchSize),
+                             static_cast<QWidget*>(m_concurrency)})
+        guardWheel(control);
     showPreferences();
 
     connect(m_variant, &QComboBox::currentIndexChanged, this,
