@@ -14,6 +14,7 @@
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AppIcon.h"
 #include "VeltoMKV/ElidingLabel.h"
+#include "VeltoMKV/EngineLine.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/OptionsPanel.h"
 #include "VeltoMKV/Page.h"
@@ -127,16 +128,9 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     layout->addSpacing(Look::groupGap - Look::rowGap);
 
     // The engine.
-    auto* engineRow = new QHBoxLayout();
-    engineRow->setSpacing(Look::rowGap / 2 + 2);
-    m_engineIcon = Look::iconLabel(Look::warningIcon(), 20, this);
-    engineRow->addWidget(m_engineIcon);
-    m_engine = Look::paragraph(QString(), this);
-    engineRow->addWidget(m_engine, 1);
-    auto* chooseEngine = Look::button(QStringLiteral("Elegir el motor de traducción"), this);
-    connect(chooseEngine, &QPushButton::clicked, &settings, &SettingsPresenter::present);
-    engineRow->addWidget(chooseEngine);
-    layout->addLayout(engineRow);
+    m_engine = new EngineLine(preferences, settings, this);
+    layout->addWidget(m_engine);
+    connect(m_engine, &EngineLine::refreshed, this, &JobView::showStart);
 
     // Where the result goes: the question over the name, so a long name has the whole row.
     layout->addWidget(
@@ -162,11 +156,10 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     connect(&m_state, &AppState::infoChanged, this, &JobView::showTracks);
     connect(&m_state, &AppState::selectedTrackChanged, this, &JobView::markChosenTrack);
     connect(&m_state, &AppState::outputURLChanged, this, &JobView::showOutput);
-    connect(&m_preferences, &Preferences::engineChanged, this, &JobView::refreshEngine);
     showFile();
     showTracks();
     showOutput();
-    refreshEngine();
+    showStart();
 }
 
 void JobView::showFile() {
@@ -255,13 +248,17 @@ void JobView::chooseOutput() {
         m_state.setOutputURL(chosen);
 }
 
+QLabel* JobView::engineLine() const {
+    return m_engine->text();
+}
+
 void JobView::refreshEngine() {
-    const EngineConfiguration engine = m_preferences.engineConfiguration();
-    const std::optional<QString> missing = engine.missingRequirement();
-    m_engineIcon->setVisible(missing.has_value());
-    m_engine->setText(missing.value_or(engine.summary()));
-    m_start->setEnabled(!missing);
-    m_start->setToolTip(missing.value_or(QString()));
+    m_engine->refresh();
+}
+
+void JobView::showStart() {
+    m_start->setEnabled(m_engine->isReady());
+    m_start->setToolTip(m_engine->isReady() ? QString() : m_engine->text()->text());
 }
 
 } // namespace velto

@@ -26,6 +26,7 @@
 #include "VeltoMKV/AppIcon.h"
 #include "VeltoMKV/Confirm.h"
 #include "VeltoMKV/DropZone.h"
+#include "VeltoMKV/EngineLine.h"
 #include "VeltoMKV/FailureView.h"
 #include "VeltoMKV/FileBrowser.h"
 #include "VeltoMKV/JobView.h"
@@ -87,6 +88,10 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     m_ffmpegText = Look::paragraph(QString(), m_ffmpegRow);
     ffmpegLayout->addWidget(m_ffmpegText, 1);
     columnLayout->addWidget(m_ffmpegRow);
+    // A first-time user learns on the start page, not after opening a video, what the engine
+    // still lacks.
+    m_startEngine = new EngineLine(m_preferences, m_settings, column);
+    columnLayout->addWidget(m_startEngine);
     setCentralWidget(central);
 
     connect(m_dropZone, &DropZone::fileDropped, this, &MainWindow::openFile);
@@ -192,6 +197,7 @@ void MainWindow::showPhase() {
     const Phase::Kind kind = m_state.phase().kind();
     m_pages->setCurrentIndex(static_cast<int>(kind));
     m_openAction->setEnabled(acceptsFiles());
+    m_startEngine->setVisible(kind == Phase::Kind::idle);
     if (m_state.sourceURL())
         m_preferences.setLastFolder(QFileInfo(*m_state.sourceURL()).absolutePath());
     if (kind == Phase::Kind::working)

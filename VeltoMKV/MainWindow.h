@@ -10,6 +10,7 @@ namespace velto {
 
 class AppState;
 class DropZone;
+class EngineLine;
 class SettingsDialog;
 class FailureView;
 class AnalyzingView;
@@ -36,6 +37,7 @@ public:
     FailureView* failureView() const { return m_failureView; }
     QWidget* currentPage() const;
     QLabel* ffmpegWarning() const { return m_ffmpegText; }
+    EngineLine* startEngine() const { return m_startEngine; }
 
     void openFile(const QString& path);
     void chooseFile();
@@ -75,6 +77,7 @@ private:
     QWidget* m_ffmpegRow;
     QLabel* m_ffmpegText;
     QAction* m_openAction;
+    EngineLine* m_startEngine;
     SettingsDialog* m_settingsDialog = nullptr;
     // Return came while the file was still being read: start as soon as it is ready.
     bool m_startWhenReady = false;

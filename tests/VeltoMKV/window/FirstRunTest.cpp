@@ -28,6 +28,7 @@
 #include "VeltoMKV/AppTesting.h"
 #include "VeltoMKV/DropZone.h"
 #include "VeltoMKV/ElidingLabel.h"
+#include "VeltoMKV/EngineLine.h"
 #include "VeltoMKV/FailureView.h"
 #include "VeltoMKV/JobView.h"
 #include "VeltoMKV/MainWindow.h"
@@ -254,6 +255,47 @@ TEST_F(FirstRunTest, AKeyIsReadForEveryProviderThatCanSendOne) {
             << c.provider.id.toStdString();
         Keychain::remove(c.provider.id);
     }
+}
+
+TEST_F(FirstRunTest, TheStartPageSaysWhatTheEngineLacksOneClickFromTheSettings) {
+    shell->preferences().setProviderIDStorage(Provider::claude().id);
+    EngineLine* engine = window().startEngine();
+    ASSERT_TRUE(engine->isVisible());
+    EXPECT_TRUE(engine->text()->text().startsWith(u"Falta la API key de Claude"_s))
+        << engine->text()->text().toStdString();
+    snapshot(u"first-launch"_s);
+    QTest::mouseClick(engine->chooseButton(), Qt::LeftButton);
+    auto* settings = window().findChild<SettingsDialog*>();
+    ASSERT_TRUE(settings && settings->isVisible());
+    settings->close();
+    openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
+    EXPECT_FALSE(engine->isVisible());
+}
+
+TEST_F(FirstRunTest, EmptyingTheCacheAsksWithWhatItFreesAndKeepsOtherFiles) {
+    const QDir cache(Preferences::cacheDirectory());
+    const auto write = [&](const QString& name) {
+        QFile file(cache.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(2048, 'x'));
+    };
+    write(u"peli.json"_s);
+    write(u"notas.txt"_s);
+    openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
+    window().jobView()->optionsDisclosure()->click();
+    auto* options = window().jobView()->findChild<OptionsPanel*>();
+    EXPECT_EQ(options->cacheSize()->text(), u"Ocupa 2,0 kB"_s);
+    for (const auto& [answer, emptied] :
+         {std::pair{u"Cancelar"_s, false}, {u"Vaciar caché"_s, true}}) {
+        const test::Answer reply(answer);
+        QTest::mouseClick(options->emptyCacheButton(), Qt::LeftButton);
+        EXPECT_EQ(reply.question(), u"¿Vacío la caché de traducciones?"_s);
+        EXPECT_EQ(cache.exists(u"peli.json"_s), !emptied) << answer.toStdString();
+    }
+    EXPECT_TRUE(cache.exists(u"notas.txt"_s));
+    EXPECT_EQ(options->cacheSize()->text(), u"La caché está vacía."_s);
+    EXPECT_FALSE(options->emptyCacheButton()->isEnabled());
+    QFile::remove(cache.filePath(u"notas.txt"_s));
 }
 
 } // namespace
