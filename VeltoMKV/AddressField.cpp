@@ -43,6 +43,7 @@ AddressField::AddressField(Preferences& preferences, QWidget* parent)
 
 void AddressField::show(const Provider& provider) {
     m_provider = provider;
+    m_ownAddress = false;
     const QSignalBlocker blocker(m_presets);
     m_presets->clear();
     for (const Provider::Preset& preset : provider.presets())
@@ -55,8 +56,11 @@ void AddressField::show(const Provider& provider) {
 
 void AddressField::choosePreset(int index) {
     const QString address = m_presets->itemData(index).toString();
-    if (!m_provider || address.isEmpty()) {
+    // "Personalizado" stays chosen even while the field still shows a preset's address.
+    m_ownAddress = address.isEmpty();
+    if (!m_provider || m_ownAddress) {
         m_field->setFocus();
+        m_field->selectAll();
         markPreset();
         return;
     }
@@ -70,7 +74,7 @@ void AddressField::markPreset() {
         return;
     const QList<Provider::Preset> presets = m_provider->presets();
     qsizetype chosen = presets.size();
-    for (qsizetype index = 0; index < presets.size(); ++index) {
+    for (qsizetype index = 0; index < presets.size() && !m_ownAddress; ++index) {
         if (presets[index].baseURL == m_field->text().trimmed())
             chosen = index;
     }

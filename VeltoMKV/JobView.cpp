@@ -107,7 +107,10 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     m_disclosure->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_disclosure->setArrowType(Qt::RightArrow);
     m_disclosure->setAutoRaise(true);
-    m_disclosure->setStyleSheet(QStringLiteral("QToolButton { border: none; padding: 2px 0; }"));
+    // Flat, but the keyboard still sees where it is.
+    m_disclosure->setStyleSheet(QStringLiteral(
+        "QToolButton { border: 1px solid transparent; border-radius: 4px; padding: 2px 4px; }"
+        "QToolButton:focus { border-color: palette(highlight); }"));
     disclosureRow->addWidget(m_disclosure, 0, Qt::AlignLeft);
     disclosureRow->addSpacing(Look::rowGap);
     m_optionsSummary = new ElidingLabel(this, Qt::ElideRight);

@@ -111,6 +111,8 @@ SettingsDialog::SettingsDialog(Preferences& preferences, AppState& state, QWidge
     connect(m_queries, &EngineQueries::connectionTested, this, &SettingsDialog::showTestResult);
     connect(m_queries, &EngineQueries::claudeLocated, this, [this](bool found) {
         m_cliMissing->setVisible(!found);
+        // Without the program nothing is ready to translate: its warning is the one notice.
+        m_notice->parentWidget()->setVisible(found);
         relayout(m_cliMissing);
     });
     showProvider();
@@ -228,11 +230,14 @@ QWidget* SettingsDialog::buildClaudeCLI() {
     text->setText(QStringLiteral("No encuentro el binario «claude». Indicá su ruta abajo."));
     m_cliMissing->hide();
     layout->addWidget(m_cliMissing);
-    layout->addWidget(Look::secondary(
+    // «/login» is a command: it never breaks across lines.
+    QLabel* session = Look::secondary(
         QStringLiteral("El CLI necesita su propia sesión, distinta de la app de escritorio. Si "
-                       "nunca hiciste «/login» en la Terminal, el chequeo de abajo te lo va a "
-                       "decir con el comando exacto."),
-        m_cli));
+                       "nunca hiciste <span style=\"white-space:nowrap\">«/login»</span> en la "
+                       "Terminal, el chequeo de abajo te lo va a decir con el comando exacto."),
+        m_cli);
+    session->setTextFormat(Qt::RichText);
+    layout->addWidget(session);
 
     m_claudePathPause.setSingleShot(true);
     m_claudePathPause.setInterval(pathPauseMs);
@@ -317,6 +322,7 @@ void SettingsDialog::showProvider() {
     m_cli->setVisible(provider.flavor == Flavor::claudeCLI);
     m_cliModel->setCurrentIndex(std::max(0, m_cliModel->findData(m_preferences.cliModel())));
     m_cliPath->setText(m_preferences.cliBinaryPath());
+    m_notice->parentWidget()->setVisible(true);
     if (provider.flavor == Flavor::claudeCLI)
         m_queries->locateClaude(m_preferences.cliBinaryPath());
     m_testIcon->hide();
