@@ -9,6 +9,7 @@
 
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/Look.h"
+#include "VeltoMKV/WheelGuard.h"
 
 namespace velto {
 
@@ -21,6 +22,7 @@ AddressField::AddressField(Preferences& preferences, QWidget* parent)
     layout->addWidget(Look::heading(QStringLiteral("Dirección"), this));
     auto* row = new QHBoxLayout;
     m_presets = new QComboBox(this);
+    guardWheel(m_presets);
     m_presets->setAccessibleName(QStringLiteral("Servidor"));
     m_field = new QLineEdit(this);
     m_field->setAccessibleName(QStringLiteral("Dirección"));
@@ -41,6 +43,7 @@ AddressField::AddressField(Preferences& preferences, QWidget* parent)
 
 void AddressField::show(const Provider& provider) {
     m_provider = provider;
+    m_ownAddress = false;
     const QSignalBlocker blocker(m_presets);
     m_presets->clear();
     for (const Provider::Preset& preset : provider.presets())
@@ -53,8 +56,11 @@ void AddressField::show(const Provider& provider) {
 
 void AddressField::choosePreset(int index) {
     const QString address = m_presets->itemData(index).toString();
-    if (!m_provider || address.isEmpty()) {
+    // "Personalizado" stays chosen even while the field still shows a preset's address.
+    m_ownAddress = address.isEmpty();
+    if (!m_provider || m_ownAddress) {
         m_field->setFocus();
+        m_field->selectAll();
         markPreset();
         return;
     }
@@ -68,7 +74,7 @@ void AddressField::markPreset() {
         return;
     const QList<Provider::Preset> presets = m_provider->presets();
     qsizetype chosen = presets.size();
-    for (qsizetype index = 0; index < presets.size(); ++index) {
+    for (qsizetype index = 0; index < presets.size() && !m_ownAddress; ++index) {
         if (presets[index].baseURL == m_field->text().trimmed())
             chosen = index;
     }

@@ -32,6 +32,8 @@ private:
 
     Preferences& m_preferences;
     std::optional<Provider> m_provider;
+    // The user chose "Personalizado": an address of their own.
+    bool m_ownAddress = false;
     QLineEdit* m_field = nullptr;
     QComboBox* m_presets = nullptr;
     QLabel* m_hint = nullptr;

@@ -1,7 +1,9 @@
 #include "VeltoMKV/AppShell.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
 #include <QSettings>
+#include <QTranslator>
 
 #include "VeltoKit/platform/Keychain.h"
 #include "VeltoKit/providers/Provider.h"
@@ -37,6 +39,11 @@ void AppShell::configureApplication() {
     QApplication::setDesktopFileName(QStringLiteral("veltomkv"));
     QApplication::setWindowIcon(appIcon());
     QApplication::setQuitOnLastWindowClosed(true);
+    // Qt's own dialogs (open, save, questions) speak the program's language.
+    auto* qtTexts = new QTranslator(qApp);
+    if (qtTexts->load(QStringLiteral("qtbase_es"),
+                      QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(qtTexts);
 }
 
 Preferences::KeyReader AppShell::keychainReader() {

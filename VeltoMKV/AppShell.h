@@ -29,10 +29,11 @@ public:
     AppShell(const AppShell&) = delete;
     AppShell& operator=(const AppShell&) = delete;
 
-    // Names, icon and the file-open watch of the application; call once per process.
+    // Names, icon, Qt's Spanish texts and the file-open watch of the application; call once
+    // per process.
     static void configureApplication();
-    // Reads keys only for providers that take one, so a key-less engine never waits on the
-    // credential store.
+    // Reads keys for every provider that can send one, so the echo engine and the claude
+    // program never wait on the credential store.
     static Preferences::KeyReader keychainReader();
 
     // Files named on the command line open as if handed over by the system.

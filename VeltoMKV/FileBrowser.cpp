@@ -1,9 +1,11 @@
 #include "VeltoMKV/FileBrowser.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
+#include <QMessageBox>
 #include <QProcess>
 #include <QUrl>
 
@@ -18,7 +20,15 @@ namespace velto::FileBrowser {
 namespace {
 
 void openFolder(const QString& path) {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+    if (QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath())))
+        return;
+    // No file manager answered: at least say where the file is, in text that can be copied.
+    QMessageBox box(QMessageBox::Information, QStringLiteral("VeltoMKV"),
+                    QStringLiteral("No encontré un administrador de archivos que abra la carpeta."),
+                    QMessageBox::Ok, QApplication::activeWindow());
+    box.setInformativeText(QStringLiteral("El archivo está en ") + QDir::toNativeSeparators(path));
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    box.exec();
 }
 
 } // namespace

@@ -13,6 +13,8 @@
 
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AppIcon.h"
+#include "VeltoMKV/ElidingLabel.h"
+#include "VeltoMKV/EngineLine.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/OptionsPanel.h"
 #include "VeltoMKV/Page.h"
@@ -105,13 +107,15 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     m_disclosure->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_disclosure->setArrowType(Qt::RightArrow);
     m_disclosure->setAutoRaise(true);
-    m_disclosure->setStyleSheet(QStringLiteral("QToolButton { border: none; padding: 2px 0; }"));
-    disclosureRow->addWidget(m_disclosure);
+    // Flat, but the keyboard still sees where it is.
+    m_disclosure->setStyleSheet(QStringLiteral(
+        "QToolButton { border: 1px solid transparent; border-radius: 4px; padding: 2px 4px; }"
+        "QToolButton:focus { border-color: palette(highlight); }"));
+    disclosureRow->addWidget(m_disclosure, 0, Qt::AlignLeft);
     disclosureRow->addSpacing(Look::rowGap);
-    m_optionsSummary = Look::secondary(QString(), this);
-    m_optionsSummary->setWordWrap(false);
-    disclosureRow->addWidget(m_optionsSummary);
-    disclosureRow->addStretch(1);
+    m_optionsSummary = new ElidingLabel(this, Qt::ElideRight);
+    m_optionsSummary->setForegroundRole(QPalette::PlaceholderText);
+    disclosureRow->addWidget(m_optionsSummary, 1);
     layout->addLayout(disclosureRow);
     m_options = new OptionsPanel(preferences, this);
     m_options->setVisible(false);
@@ -127,27 +131,16 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     layout->addSpacing(Look::groupGap - Look::rowGap);
 
     // The engine.
-    auto* engineRow = new QHBoxLayout();
-    engineRow->setSpacing(Look::rowGap / 2 + 2);
-    m_engineIcon = Look::iconLabel(Look::warningIcon(), 20, this);
-    engineRow->addWidget(m_engineIcon);
-    m_engine = Look::paragraph(QString(), this);
-    engineRow->addWidget(m_engine, 1);
-    auto* chooseEngine = Look::button(QStringLiteral("Elegir el motor de traducción"), this);
-    connect(chooseEngine, &QPushButton::clicked, &settings, &SettingsPresenter::present);
-    engineRow->addWidget(chooseEngine);
-    layout->addLayout(engineRow);
+    m_engine = new EngineLine(preferences, settings, this);
+    layout->addWidget(m_engine);
+    connect(m_engine, &EngineLine::refreshed, this, &JobView::showStart);
 
-    // Where the result goes.
+    // Where the result goes: the question over the name, so a long name has the whole row.
+    layout->addWidget(
+        Look::secondary(QStringLiteral("Dónde guardar el archivo con la pista nueva:"), this));
     auto* outputRow = new QHBoxLayout();
     outputRow->setSpacing(Look::rowGap / 2 + 2);
-    auto* outputLabel =
-        Look::secondary(QStringLiteral("Dónde guardar el archivo con la pista nueva:"), this);
-    outputLabel->setWordWrap(false);
-    outputRow->addWidget(outputLabel);
-    m_output = new QLabel(this);
-    m_output->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_output->setMinimumWidth(80);
+    m_output = new ElidingLabel(this);
     outputRow->addWidget(m_output, 1);
     auto* saveAs = Look::button(QStringLiteral("Guardar como"), this);
     connect(saveAs, &QPushButton::clicked, this, &JobView::chooseOutput);
@@ -166,11 +159,10 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     connect(&m_state, &AppState::infoChanged, this, &JobView::showTracks);
     connect(&m_state, &AppState::selectedTrackChanged, this, &JobView::markChosenTrack);
     connect(&m_state, &AppState::outputURLChanged, this, &JobView::showOutput);
-    connect(&m_preferences, &Preferences::engineChanged, this, &JobView::refreshEngine);
     showFile();
     showTracks();
     showOutput();
-    refreshEngine();
+    showStart();
 }
 
 void JobView::showFile() {
@@ -248,7 +240,6 @@ void JobView::markChosenTrack() {
 void JobView::showOutput() {
     const std::optional<QString>& output = m_state.outputURL();
     m_output->setText(output ? QFileInfo(*output).fileName() : QString());
-    m_output->setToolTip(output.value_or(QString()));
 }
 
 void JobView::chooseOutput() {
@@ -260,13 +251,17 @@ void JobView::chooseOutput() {
         m_state.setOutputURL(chosen);
 }
 
+QLabel* JobView::engineLine() const {
+    return m_engine->text();
+}
+
 void JobView::refreshEngine() {
-    const EngineConfiguration engine = m_preferences.engineConfiguration();
-    const std::optional<QString> missing = engine.missingRequirement();
-    m_engineIcon->setVisible(missing.has_value());
-    m_engine->setText(missing.value_or(engine.summary()));
-    m_start->setEnabled(!missing);
-    m_start->setToolTip(missing.value_or(QString()));
+    m_engine->refresh();
+}
+
+void JobView::showStart() {
+    m_start->setEnabled(m_engine->isReady());
+    m_start->setToolTip(m_engine->isReady() ? QString() : m_engine->text()->text());
 }
 
 } // namespace velto

@@ -11,6 +11,7 @@ class QToolButton;
 namespace velto {
 
 class AppState;
+class EngineLine;
 class OptionsPanel;
 class Preferences;
 class SettingsPresenter;
@@ -29,7 +30,7 @@ public:
     QListWidget* trackList() const { return m_tracks; }
     QCheckBox* forceToggle() const { return m_force; }
     QLabel* notice() const { return m_noticeText; }
-    QLabel* engineLine() const { return m_engine; }
+    QLabel* engineLine() const;
     QLabel* outputLine() const { return m_output; }
     QToolButton* optionsDisclosure() const { return m_disclosure; }
     // Asks the engine again (its key may have changed elsewhere).
@@ -44,6 +45,8 @@ private:
     void showTracks();
     void markChosenTrack();
     void showOutput();
+    // The main button follows the engine's readiness.
+    void showStart();
     int rowHeight() const;
     void chooseOutput();
 
@@ -57,8 +60,7 @@ private:
     QToolButton* m_disclosure;
     QLabel* m_optionsSummary;
     OptionsPanel* m_options;
-    QLabel* m_engineIcon;
-    QLabel* m_engine;
+    EngineLine* m_engine;
     QLabel* m_output;
     QPushButton* m_start;
 };

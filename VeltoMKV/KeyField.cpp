@@ -4,6 +4,8 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
+#include <QPainterPath>
 #include <QStyle>
 #include <QVBoxLayout>
 
@@ -28,6 +30,26 @@ QWidget* unavailableRow(const QString& reason, QWidget* parent) {
     return row;
 }
 
+// An open eye while the key can be shown, a crossed one while it shows: the icon says what a
+// click does.
+QIcon eye(bool crossed, const QPalette& palette) {
+    QPixmap pixmap(64, 64);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(palette.color(QPalette::Text), 5));
+    QPainterPath lids;
+    lids.moveTo(6, 32);
+    lids.quadTo(32, 4, 58, 32);
+    lids.quadTo(32, 60, 6, 32);
+    painter.drawPath(lids);
+    painter.setBrush(palette.color(QPalette::Text));
+    painter.drawEllipse(QPointF(32, 32), 8, 8);
+    if (crossed)
+        painter.drawLine(12, 54, 52, 10);
+    return QIcon(pixmap);
+}
+
 } // namespace
 
 KeyField::KeyField(Preferences& preferences, std::optional<QString> unavailable, QWidget* parent)
@@ -41,13 +63,10 @@ KeyField::KeyField(Preferences& preferences, std::optional<QString> unavailable,
     m_field->setEchoMode(QLineEdit::Password);
     m_field->setPlaceholderText(QStringLiteral("Pegá tu clave acá"));
     m_field->setAccessibleName(QStringLiteral("API key"));
-    QAction* reveal = m_field->addAction(style()->standardIcon(QStyle::SP_FileDialogContentsView),
-                                         QLineEdit::TrailingPosition);
-    reveal->setToolTip(QStringLiteral("Mostrar u ocultar la clave"));
-    connect(reveal, &QAction::triggered, this, [this] {
-        m_field->setEchoMode(m_field->echoMode() == QLineEdit::Password ? QLineEdit::Normal
-                                                                        : QLineEdit::Password);
-    });
+    m_reveal = m_field->addAction(QIcon(), QLineEdit::TrailingPosition);
+    connect(m_reveal, &QAction::triggered, this,
+            [this] { setShown(m_field->echoMode() == QLineEdit::Password); });
+    setShown(false);
     layout->addWidget(m_field);
     if (unavailable) {
         m_field->setEnabled(false);
@@ -77,10 +96,17 @@ void KeyField::show(const Provider& provider) {
     commit();
     m_provider = provider;
     m_field->setText(m_field->isEnabled() ? m_preferences.apiKey(provider) : QString());
-    m_field->setEchoMode(QLineEdit::Password);
+    setShown(false);
     m_source->setText(QStringLiteral("La sacás de ") + provider.keySource + u'.');
     m_source->setVisible(!provider.keySource.isEmpty());
     updateGeometry();
+}
+
+void KeyField::setShown(bool shown) {
+    m_field->setEchoMode(shown ? QLineEdit::Normal : QLineEdit::Password);
+    m_reveal->setIcon(eye(shown, palette()));
+    m_reveal->setToolTip(shown ? QStringLiteral("Ocultar la clave")
+                               : QStringLiteral("Mostrar la clave"));
 }
 
 void KeyField::commit() {

@@ -7,6 +7,7 @@
 
 #include "VeltoKit/providers/Provider.h"
 
+class QAction;
 class QLabel;
 class QLineEdit;
 
@@ -30,9 +31,13 @@ public:
     void commit();
 
 private:
+    // Shows the key in clear or hides it, with the icon of the opposite action.
+    void setShown(bool shown);
+
     Preferences& m_preferences;
     std::optional<Provider> m_provider;
     QLineEdit* m_field = nullptr;
+    QAction* m_reveal = nullptr;
     QLabel* m_source = nullptr;
     QTimer m_pause;
     bool m_dirty = false;

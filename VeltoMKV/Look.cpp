@@ -12,12 +12,16 @@
 
 namespace velto::Look {
 
-QLabel* title(const QString& text, QWidget* parent) {
-    auto* label = new QLabel(text, parent);
+void makeTitle(QLabel* label) {
     QFont font = label->font();
     font.setPointSizeF(font.pointSizeF() * 1.4);
     font.setWeight(QFont::DemiBold);
     label->setFont(font);
+}
+
+QLabel* title(const QString& text, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    makeTitle(label);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     return label;
 }
@@ -92,7 +96,8 @@ ScrollingColumn scrollingColumn(QWidget* parent) {
     area->setFrameShape(QFrame::NoFrame);
     area->setFocusPolicy(Qt::NoFocus);
     area->setWidgetResizable(true);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // Sideways only when the screen is narrower than the content: scrolled, never clipped.
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     auto* content = new QWidget(area);
     area->setWidget(content);
     area->viewport()->setBackgroundRole(QPalette::Window);

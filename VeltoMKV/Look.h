@@ -21,6 +21,8 @@ inline constexpr int maxColumnWidth = 720;
 
 // File names and the failure's heading: the platform's font, larger and semibold.
 QLabel* title(const QString& text, QWidget* parent);
+// Gives `label` the title's font.
+void makeTitle(QLabel* label);
 // Help texts, details, times: body size in the palette's placeholder colour.
 QLabel* secondary(const QString& text, QWidget* parent);
 // Section headers: semibold body.

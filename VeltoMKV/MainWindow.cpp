@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileDialog>
@@ -23,8 +24,10 @@
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AnalyzingView.h"
 #include "VeltoMKV/AppIcon.h"
+#include "VeltoMKV/Confirm.h"
 #include "VeltoMKV/DesktopSession.h"
 #include "VeltoMKV/DropZone.h"
+#include "VeltoMKV/EngineLine.h"
 #include "VeltoMKV/FailureView.h"
 #include "VeltoMKV/FileBrowser.h"
 #include "VeltoMKV/JobAnnouncer.h"
@@ -33,6 +36,7 @@
 #include "VeltoMKV/OpenFileRelay.h"
 #include "VeltoMKV/ProgressView.h"
 #include "VeltoMKV/ResultView.h"
+#include "VeltoMKV/ScreenFit.h"
 #include "VeltoMKV/SettingsDialog.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
@@ -86,6 +90,10 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     m_ffmpegText = Look::paragraph(QString(), m_ffmpegRow);
     ffmpegLayout->addWidget(m_ffmpegText, 1);
     columnLayout->addWidget(m_ffmpegRow);
+    // A first-time user learns on the start page, not after opening a video, what the engine
+    // still lacks.
+    m_startEngine = new EngineLine(m_preferences, m_settings, column);
+    columnLayout->addWidget(m_startEngine);
     setCentralWidget(central);
 
     connect(m_dropZone, &DropZone::fileDropped, this, &MainWindow::openFile);
@@ -93,18 +101,12 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     connect(m_jobView, &JobView::startRequested, this, &MainWindow::startJob);
     connect(m_resultView, &ResultView::revealRequested, this, &FileBrowser::reveal);
     connect(m_resultView, &ResultView::anotherRequested, &m_state, &AppState::reset);
-    connect(m_failureView, &FailureView::retryRequested, this, [this] {
-        // Again from the probe, so the ready page is back for whatever the user wants to change.
-        if (m_state.sourceURL())
-            openFile(*m_state.sourceURL());
-        else
-            m_state.reset();
-    });
+    connect(m_failureView, &FailureView::retryRequested, this, &MainWindow::retry);
 
     // The menus.
     QMenu* fileMenu = menuBar()->addMenu(QStringLiteral("&Archivo"));
-    QAction* open = fileMenu->addAction(QStringLiteral("Abrir…"), this, &MainWindow::chooseFile);
-    open->setShortcut(QKeySequence::Open);
+    m_openAction = fileMenu->addAction(QStringLiteral("Abrir…"), this, &MainWindow::chooseFile);
+    m_openAction->setShortcut(QKeySequence::Open);
     QAction* engine = fileMenu->addAction(QStringLiteral("Motor de traducción…"), &m_settings,
                                           &SettingsPresenter::present);
     engine->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
@@ -140,8 +142,8 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     // The title, the computer's sleep and the notification follow the job from outside the page.
     new JobAnnouncer(m_state, *this, *new DesktopSession(this));
 
-    resize(640, 560);
-    setMinimumSize(520, 460);
+    const QSize remembered = m_preferences.windowSize();
+    ScreenFit::apply(this, remembered.isValid() ? remembered : QSize(640, 560), QSize(520, 460));
     showPhase();
     showFfmpegStatus();
     takePendingFile();
@@ -161,22 +163,47 @@ void MainWindow::chooseFile() {
     if (!acceptsFiles())
         return;
     const QString path = QFileDialog::getOpenFileName(
-        this, QStringLiteral("Elegí el archivo de video"), QString(),
+        this, QStringLiteral("Elegí el archivo de video"), startFolder(),
         QStringLiteral("Videos (*.mkv *.mp4 *.mov *.m4v *.webm *.avi);;Todos los archivos (*)"));
     if (!path.isEmpty())
         openFile(path);
 }
 
+QString MainWindow::startFolder() const {
+    const QString last = m_preferences.lastFolder();
+    return !last.isEmpty() && QFileInfo(last).isDir() ? last : QDir::homePath();
+}
+
 void MainWindow::startJob() {
-    if (m_state.phase().kind() != Phase::Kind::ready || !m_jobView->startButton()->isEnabled())
+    const Phase::Kind kind = m_state.phase().kind();
+    // After a failure the file, its chosen track, the output and the options are all still
+    // there: the job runs again with them.
+    const bool again = kind == Phase::Kind::failed && m_state.selectedTrack();
+    if (!again && (kind != Phase::Kind::ready || !m_jobView->startButton()->isEnabled()))
+        return;
+    const std::optional<QString>& output = m_state.outputURL();
+    if (output && QFileInfo::exists(*output) && !Confirm::replaceOutput(this, *output))
         return;
     m_resultView->setStripped(m_preferences.stripSDH());
     m_state.start(m_preferences);
 }
 
+void MainWindow::retry() {
+    if (m_state.selectedTrack())
+        startJob();
+    else if (m_state.sourceURL())
+        openFile(*m_state.sourceURL());
+    else
+        m_state.reset();
+}
+
 void MainWindow::showPhase() {
     const Phase::Kind kind = m_state.phase().kind();
     m_pages->setCurrentIndex(static_cast<int>(kind));
+    m_openAction->setEnabled(acceptsFiles());
+    m_startEngine->setVisible(kind == Phase::Kind::idle);
+    if (m_state.sourceURL())
+        m_preferences.setLastFolder(QFileInfo(*m_state.sourceURL()).absolutePath());
     if (kind == Phase::Kind::working)
         m_progressView->startClock();
     else
@@ -314,9 +341,14 @@ void MainWindow::changeEvent(QEvent* event) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (m_state.hasTask() && !Confirm::quitDuringJob(this)) {
+        event->ignore();
+        return;
+    }
     // The job stops at its next suspension point and removes its unfinished output as it leaves.
     if (m_state.hasTask())
         m_state.cancel();
+    m_preferences.setWindowSize(size());
     event->accept();
 }
 

@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 
+class QAction;
 class QLabel;
 class QStackedWidget;
 
@@ -9,6 +10,7 @@ namespace velto {
 
 class AppState;
 class DropZone;
+class EngineLine;
 class SettingsDialog;
 class FailureView;
 class AnalyzingView;
@@ -35,10 +37,13 @@ public:
     FailureView* failureView() const { return m_failureView; }
     QWidget* currentPage() const;
     QLabel* ffmpegWarning() const { return m_ffmpegText; }
+    EngineLine* startEngine() const { return m_startEngine; }
 
     void openFile(const QString& path);
     void chooseFile();
     void startJob();
+    // Runs the failed job again as it was set up, or reads the file again if it never was.
+    void retry();
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -55,6 +60,8 @@ private:
     void showAbout();
     void returnPressed();
     bool acceptsFiles() const;
+    // The folder of the last video opened, or the home folder.
+    QString startFolder() const;
 
     AppState& m_state;
     Preferences& m_preferences;
@@ -69,6 +76,8 @@ private:
     FailureView* m_failureView;
     QWidget* m_ffmpegRow;
     QLabel* m_ffmpegText;
+    QAction* m_openAction;
+    EngineLine* m_startEngine;
     SettingsDialog* m_settingsDialog = nullptr;
     // Return came while the file was still being read: start as soon as it is ready.
     bool m_startWhenReady = false;

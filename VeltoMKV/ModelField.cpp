@@ -12,6 +12,7 @@
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/Spinner.h"
+#include "VeltoMKV/WheelGuard.h"
 #include "VeltoMKV/state/EngineQueries.h"
 
 namespace velto {
@@ -37,6 +38,7 @@ ModelField::ModelField(Preferences& preferences, EngineQueries& queries, QWidget
     row->addWidget(m_search);
     layout->addLayout(row);
     m_found = new QComboBox(this);
+    guardWheel(m_found);
     m_found->setAccessibleName(QStringLiteral("Modelos disponibles"));
     m_found->hide();
     layout->addWidget(m_found);
@@ -57,6 +59,9 @@ ModelField::ModelField(Preferences& preferences, EngineQueries& queries, QWidget
             m_preferences.setModel(m_found->itemText(index), *m_provider);
     });
     connect(&m_queries, &EngineQueries::listingChanged, this, [this](bool listing) {
+        // A disabled button hands the focus to whatever comes next; keep it beside the button.
+        if (listing && m_search->hasFocus())
+            m_field->setFocus();
         m_search->setEnabled(!listing);
         m_spinner->setVisible(listing);
     });
@@ -72,8 +77,11 @@ void ModelField::show(const Provider& provider) {
     m_found->clear();
     m_found->hide();
     m_status->hide();
+    // A local server has no key to speak of: it lists what it has installed.
     m_explanation->setText(QStringLiteral("«Buscar» le pregunta a ") + provider.name +
-                           QStringLiteral(" qué modelos podés usar con tu clave."));
+                           (provider.needsKey
+                                ? QStringLiteral(" qué modelos podés usar con tu clave.")
+                                : QStringLiteral(" qué modelos tiene instalados.")));
     updateGeometry();
 }
 

@@ -2,9 +2,13 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
+#include <QPushButton>
 #include <QSignalBlocker>
 #include <QSpinBox>
 #include <QStyle>
@@ -13,12 +17,30 @@
 
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoKit/translation/SpanishVariant.h"
+#include "VeltoKit/translation/TranslationCache.h"
+#include "VeltoMKV/Confirm.h"
 #include "VeltoMKV/Look.h"
+#include "VeltoMKV/WheelGuard.h"
 
 namespace velto {
 namespace {
 
 // Where a toggle's text starts, so what belongs to it lines up under that text.
+// What the cached translations take on disk.
+qint64 cacheBytes() {
+    qint64 bytes = 0;
+    const QDir folder(Preferences::cacheDirectory());
+    for (const QFileInfo& file : folder.entryInfoList({QStringLiteral("*.json")}, QDir::Files))
+        bytes += file.size();
+    return bytes;
+}
+
+// "2,0 kB", "1,3 MB": units as a file manager writes them.
+QString sizeText(qint64 bytes) {
+    return QLocale(QLocale::Spanish)
+        .formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
+}
+
 int textIndent(QCheckBox* toggle) {
     QStyleOptionButton option;
     option.initFrom(toggle);
@@ -86,6 +108,15 @@ OptionsPanel::OptionsPanel(Preferences& preferences, QWidget* parent)
                 QStringLiteral("La caché deja retomar donde quedó si cancelás o falla "
                                "algo, sin volver a traducir lo ya hecho."),
                 this));
+    auto* cacheRow = new QHBoxLayout();
+    cacheRow->addSpacing(textIndent(m_useCache));
+    m_emptyCache = Look::button(QStringLiteral("Vaciar caché"), this);
+    m_emptyCache->setAutoDefault(false);
+    cacheRow->addWidget(m_emptyCache);
+    m_cacheSize = Look::secondary(QString(), this);
+    cacheRow->addWidget(m_cacheSize, 1);
+    layout->addLayout(cacheRow);
+    connect(m_emptyCache, &QPushButton::clicked, this, &OptionsPanel::emptyCache);
     layout->addSpacing(Look::rowGap / 2);
 
     auto* steppers = new QHBoxLayout();
@@ -106,6 +137,9 @@ OptionsPanel::OptionsPanel(Preferences& preferences, QWidget* parent)
     steppers->addStretch();
     layout->addLayout(steppers);
 
+    for (QWidget* control : {static_cast<QWidget*>(m_variant), static_cast<QWidget*>(m_batchSize),
+                             static_cast<QWidget*>(m_concurrency)})
+        guardWheel(control);
     showPreferences();
 
     connect(m_variant, &QComboBox::currentIndexChanged, this,
@@ -128,6 +162,27 @@ OptionsPanel::OptionsPanel(Preferences& preferences, QWidget* parent)
         showPreferences();
         emit summaryChanged();
     });
+}
+
+void OptionsPanel::showCacheSize() {
+    const qint64 bytes = cacheBytes();
+    m_cacheSize->setText(bytes > 0 ? QStringLiteral("Ocupa ") + sizeText(bytes)
+                                   : QStringLiteral("La caché está vacía."));
+    m_emptyCache->setEnabled(bytes > 0);
+}
+
+void OptionsPanel::emptyCache() {
+    const qint64 bytes = cacheBytes();
+    if (!Confirm::emptyCache(this, sizeText(bytes)))
+        return;
+    TranslationCache::clearAll(Preferences::cacheDirectory());
+    showCacheSize();
+}
+
+void OptionsPanel::showEvent(QShowEvent* event) {
+    // A job may have filled the cache since the panel was last open.
+    showCacheSize();
+    QWidget::showEvent(event);
 }
 
 QString OptionsPanel::summary() const {

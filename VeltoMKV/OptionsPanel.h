@@ -4,7 +4,9 @@
 
 class QCheckBox;
 class QComboBox;
+class QLabel;
 class QLineEdit;
+class QPushButton;
 class QSpinBox;
 
 namespace velto {
@@ -26,12 +28,21 @@ public:
     QCheckBox* stripSDHToggle() const { return m_stripSDH; }
     QCheckBox* useCacheToggle() const { return m_useCache; }
     QSpinBox* batchSizeStepper() const { return m_batchSize; }
+    QPushButton* emptyCacheButton() const { return m_emptyCache; }
+    // How much the cache holds, or that it holds nothing.
+    QLabel* cacheSize() const { return m_cacheSize; }
 
 signals:
     void summaryChanged();
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     void showPreferences();
+    void showCacheSize();
+    // Asks, with what it frees, then removes every cached translation.
+    void emptyCache();
 
     Preferences& m_preferences;
     QComboBox* m_variant;
@@ -42,6 +53,8 @@ private:
     QSpinBox* m_batchSize;
     QSpinBox* m_concurrency;
     QCheckBox* m_useCache;
+    QPushButton* m_emptyCache;
+    QLabel* m_cacheSize;
 };
 
 } // namespace velto

@@ -5,6 +5,7 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "VeltoMKV/ElidingLabel.h"
 #include "VeltoMKV/Look.h"
 
 namespace velto {
@@ -29,7 +30,9 @@ Page::Page(const QIcon& icon, QWidget* parent)
     m_header->addWidget(m_icon, 0, Qt::AlignTop);
     auto* naming = new QVBoxLayout();
     naming->setSpacing(2);
-    m_title = Look::title(QString(), this);
+    // A long file name shortens in its middle; it never pushes the header's action away.
+    m_title = new ElidingLabel(this);
+    Look::makeTitle(m_title);
     m_title->setMinimumHeight(m_title->sizeHint().height());
     m_subtitle = Look::secondary(QString(), this);
     m_subtitle->setTextInteractionFlags(Qt::TextSelectableByMouse);

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -20,7 +21,9 @@
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/ModelField.h"
 #include "VeltoMKV/ProviderIcon.h"
+#include "VeltoMKV/ScreenFit.h"
 #include "VeltoMKV/Spinner.h"
+#include "VeltoMKV/WheelGuard.h"
 #include "VeltoMKV/state/AppState.h"
 #include "VeltoMKV/state/EngineQueries.h"
 
@@ -86,7 +89,14 @@ SettingsDialog::SettingsDialog(Preferences& preferences, AppState& state, QWidge
     auto* body = new QHBoxLayout;
     body->setSpacing(Look::groupGap);
     body->addWidget(buildProviders());
-    body->addWidget(buildDetails(), 1);
+    // The details scroll when the screen is short, rather than pushing the footer off it.
+    auto* details = new QScrollArea(this);
+    details->setFrameShape(QFrame::NoFrame);
+    details->setWidgetResizable(true);
+    details->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    details->setWidget(buildDetails());
+    details->viewport()->setBackgroundRole(QPalette::Window);
+    body->addWidget(details, 1);
     layout->addLayout(body, 1);
     layout->addWidget(buildFooter());
 
@@ -101,11 +111,13 @@ SettingsDialog::SettingsDialog(Preferences& preferences, AppState& state, QWidge
     connect(m_queries, &EngineQueries::connectionTested, this, &SettingsDialog::showTestResult);
     connect(m_queries, &EngineQueries::claudeLocated, this, [this](bool found) {
         m_cliMissing->setVisible(!found);
+        // Without the program nothing is ready to translate: its warning is the one notice.
+        m_notice->parentWidget()->setVisible(found);
         relayout(m_cliMissing);
     });
     showProvider();
     showFfmpeg();
-    resize(780, 600);
+    ScreenFit::apply(this, QSize(780, 600), QSize(560, 420));
 }
 
 SettingsDialog::~SettingsDialog() = default;
@@ -178,6 +190,7 @@ QWidget* SettingsDialog::buildEffort() {
     for (AnthropicBackend::Effort effort : AnthropicBackend::efforts())
         m_effortChoice->addItem(AnthropicBackend::effortLabel(effort),
                                 AnthropicBackend::rawValue(effort));
+    guardWheel(m_effortChoice);
     layout->addWidget(m_effortChoice, 0, Qt::AlignLeft);
     layout->addWidget(Look::secondary(
         QStringLiteral("Para subtítulos, «bajo» suele alcanzar y sale mucho más barato."),
@@ -196,6 +209,7 @@ QWidget* SettingsDialog::buildClaudeCLI() {
     m_cliModel->setAccessibleName(QStringLiteral("Modelo del CLI"));
     for (const CliModel& model : cliModels)
         m_cliModel->addItem(QString::fromUtf16(model.label), QString::fromUtf16(model.stored));
+    guardWheel(m_cliModel);
     layout->addWidget(m_cliModel, 0, Qt::AlignLeft);
     connect(m_cliModel, &QComboBox::activated, this, [this](int index) {
         m_preferences.setCliModel(m_cliModel->itemData(index).toString());
@@ -216,11 +230,14 @@ QWidget* SettingsDialog::buildClaudeCLI() {
     text->setText(QStringLiteral("No encuentro el binario «claude». Indicá su ruta abajo."));
     m_cliMissing->hide();
     layout->addWidget(m_cliMissing);
-    layout->addWidget(Look::secondary(
+    // «/login» is a command: it never breaks across lines.
+    QLabel* session = Look::secondary(
         QStringLiteral("El CLI necesita su propia sesión, distinta de la app de escritorio. Si "
-                       "nunca hiciste «/login» en la Terminal, el chequeo de abajo te lo va a "
-                       "decir con el comando exacto."),
-        m_cli));
+                       "nunca hiciste <span style=\"white-space:nowrap\">«/login»</span> en la "
+                       "Terminal, el chequeo de abajo te lo va a decir con el comando exacto."),
+        m_cli);
+    session->setTextFormat(Qt::RichText);
+    layout->addWidget(session);
 
     m_claudePathPause.setSingleShot(true);
     m_claudePathPause.setInterval(pathPauseMs);
@@ -293,7 +310,8 @@ void SettingsDialog::showProvider() {
                          provider.flavor == Flavor::openAICompatible ||
                          provider.flavor == Flavor::gemini;
     m_service->setVisible(service);
-    m_key->setVisible(provider.needsKey);
+    // A local server may sit behind a key too; the field shows for every service.
+    m_key->setVisible(service);
     m_key->show(provider);
     m_address->setVisible(provider.editableBaseURL);
     m_address->show(provider);
@@ -304,6 +322,7 @@ void SettingsDialog::showProvider() {
     m_cli->setVisible(provider.flavor == Flavor::claudeCLI);
     m_cliModel->setCurrentIndex(std::max(0, m_cliModel->findData(m_preferences.cliModel())));
     m_cliPath->setText(m_preferences.cliBinaryPath());
+    m_notice->parentWidget()->setVisible(true);
     if (provider.flavor == Flavor::claudeCLI)
         m_queries->locateClaude(m_preferences.cliBinaryPath());
     m_testIcon->hide();

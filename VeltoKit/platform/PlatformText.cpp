@@ -11,15 +11,16 @@ struct Words {
     QStringView keychainName;
     QStringView thisComputer;
     QStringView revealInFileBrowser;
+    QStringView installOllama;
 };
 
 constexpr Words words[] = {
     {System::macOS, u"brew install ffmpeg", u"el Llavero de macOS", u"esta Mac",
-     u"Mostrar en Finder"},
+     u"Mostrar en Finder", u"brew install ollama"},
     {System::gnuLinux, u"sudo apt install ffmpeg", u"el llavero del sistema", u"esta computadora",
-     u"Mostrar en la carpeta"},
+     u"Mostrar en la carpeta", u"curl -fsSL https://ollama.com/install.sh | sh"},
     {System::windows, u"winget install ffmpeg", u"el Administrador de credenciales de Windows",
-     u"esta computadora", u"Mostrar en el Explorador"},
+     u"esta computadora", u"Mostrar en el Explorador", u"winget install Ollama.Ollama"},
 };
 static_assert(EnumTable::coversInOrder(words, System::windows));
 
@@ -49,6 +50,10 @@ QString thisComputer(System system) {
 
 QString revealInFileBrowser(System system) {
     return EnumTable::row(words, system).revealInFileBrowser.toString();
+}
+
+QString installOllama(System system) {
+    return EnumTable::row(words, system).installOllama.toString();
 }
 
 } // namespace velto::PlatformText

@@ -20,6 +20,8 @@ QString keychainName(System system = current());
 QString thisComputer(System system = current());
 // "Mostrar en Finder" / "Mostrar en la carpeta" / "Mostrar en el Explorador"
 QString revealInFileBrowser(System system = current());
+// How Ollama, the usual local model server, is installed here.
+QString installOllama(System system = current());
 
 } // namespace PlatformText
 } // namespace velto

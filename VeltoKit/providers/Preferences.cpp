@@ -34,7 +34,9 @@ Preferences::Preferences(std::unique_ptr<QSettings> settings, KeyReader readKey,
     , m_batchSize(*m_settings, QStringLiteral("batchSize"), JobOptions().batchSize)
     , m_concurrency(*m_settings, QStringLiteral("concurrency"), JobOptions().concurrency)
     , m_useCache(*m_settings, QStringLiteral("useCache"), JobOptions().useCache)
-    , m_ffmpegDirectory(*m_settings, QStringLiteral("ffmpegDirectory"), QString()) {}
+    , m_ffmpegDirectory(*m_settings, QStringLiteral("ffmpegDirectory"), QString())
+    , m_lastFolder(*m_settings, QStringLiteral("lastFolder"), QString())
+    , m_windowSize(*m_settings, QStringLiteral("windowSize"), QSize()) {}
 
 Preferences::~Preferences() = default;
 
@@ -179,6 +181,22 @@ QString Preferences::ffmpegDirectory() const {
 
 void Preferences::setFfmpegDirectory(const QString& directory) {
     store(m_ffmpegDirectory, directory, &Preferences::ffmpegDirectoryChanged);
+}
+
+QString Preferences::lastFolder() const {
+    return m_lastFolder.get();
+}
+
+void Preferences::setLastFolder(const QString& folder) {
+    m_lastFolder.set(folder);
+}
+
+QSize Preferences::windowSize() const {
+    return m_windowSize.get();
+}
+
+void Preferences::setWindowSize(const QSize& size) {
+    m_windowSize.set(size);
 }
 
 QString Preferences::model(const Provider& provider) const {

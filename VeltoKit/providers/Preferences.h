@@ -6,6 +6,7 @@
 
 #include <QObject>
 #include <QSettings>
+#include <QSize>
 #include <QString>
 
 #include "VeltoKit/engines/AnthropicBackend.h"
@@ -76,6 +77,12 @@ public:
     void setUseCache(bool use);
     QString ffmpegDirectory() const;
     void setFfmpegDirectory(const QString& directory);
+    // Where the window was left: the folder of the last video opened and the window's size
+    // (empty while never stored). Nothing follows their changes.
+    QString lastFolder() const;
+    void setLastFolder(const QString& folder);
+    QSize windowSize() const;
+    void setWindowSize(const QSize& size);
 
     // Each provider keeps its own model and address, so switching back restores both.
     QString model(const Provider& provider) const;
@@ -127,6 +134,8 @@ private:
     SettingValue<qint64> m_concurrency;
     SettingValue<bool> m_useCache;
     SettingValue<QString> m_ffmpegDirectory;
+    SettingValue<QString> m_lastFolder;
+    SettingValue<QSize> m_windowSize;
 };
 
 } // namespace velto

@@ -81,7 +81,8 @@ QList<Provider::Preset> Provider::presets() const {
     if (id == u"local") {
         return {
             {QStringLiteral("ollama"), QStringLiteral("Ollama"), localDefault,
-             QStringLiteral("«brew install ollama», después «ollama pull qwen3:8b»")},
+             u'«' + PlatformText::installOllama() +
+                 QStringLiteral("», después «ollama pull qwen3:8b»")},
             {QStringLiteral("lmstudio"), QStringLiteral("LM Studio"),
              QStringLiteral("http://localhost:1234/v1"),
              QStringLiteral("Activá el servidor en la pestaña Developer")},

@@ -40,6 +40,7 @@
 #include "VeltoMKV/SettingsDialog.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
+#include "VeltoMKV/window/Answer.h"
 #include "support/ChatCompletionsServer.h"
 #include "support/SecretService.h"
 
@@ -435,6 +436,7 @@ TEST_F(MainWindowTest, WarningsAndRemovalsShowAndClosingDuringAJobLeavesNothing)
     QSignalSpy reports(&state(), &AppState::progressChanged);
     QTest::keyClick(&window(), Qt::Key_Return);
     ASSERT_TRUE(reports.wait(patience));
+    const test::Answer quit(u"Salir"_s);
     window().close();
     EXPECT_EQ(state().phase().kind(), Kind::ready);
     ASSERT_TRUE(settles());

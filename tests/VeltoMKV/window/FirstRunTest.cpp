@@ -1,0 +1,303 @@
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QLibraryInfo>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSettings>
+#include <QSpinBox>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+#include <QWheelEvent>
+
+#include <gtest/gtest.h>
+
+#include "VeltoKit/platform/Keychain.h"
+#include "VeltoKit/providers/Provider.h"
+#include "VeltoMKV/AppShell.h"
+#include "VeltoMKV/AppTesting.h"
+#include "VeltoMKV/DropZone.h"
+#include "VeltoMKV/ElidingLabel.h"
+#include "VeltoMKV/EngineLine.h"
+#include "VeltoMKV/FailureView.h"
+#include "VeltoMKV/JobView.h"
+#include "VeltoMKV/MainWindow.h"
+#include "VeltoMKV/OptionsPanel.h"
+#include "VeltoMKV/SettingsDialog.h"
+#include "VeltoMKV/SettingsPresenter.h"
+#include "VeltoMKV/state/AppState.h"
+#include "VeltoMKV/window/Answer.h"
+#include "support/SecretService.h"
+
+using namespace velto;
+using namespace velto::AppTesting;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Kind = Phase::Kind;
+
+// The application as a new user meets it: throwaway preferences on the echo engine.
+class FirstRunTest : public ::testing::Test {
+protected:
+    FirstRunTest() { start(); }
+
+    void start() {
+        shell = std::make_unique<AppShell>(
+            std::make_unique<QSettings>(settingsFolder.filePath(u"VeltoMKV.ini"_s),
+                                        QSettings::IniFormat),
+            [](const QString&) { return QString(); });
+        QStandardPaths::setTestModeEnabled(true);
+        shell->preferences().setProviderIDStorage(u"echo"_s);
+        shell->preferences().setUseCache(false);
+        shell->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&window()));
+    }
+
+    MainWindow& window() { return shell->window(); }
+    AppState& state() { return shell->state(); }
+    bool reaches(Kind kind) {
+        return QTest::qWaitFor([&] { return state().phase().kind() == kind; }, patience);
+    }
+    void openReady(const QString& video) {
+        window().openFile(video);
+        ASSERT_TRUE(reaches(Kind::ready)) << state().phase().message().toStdString();
+    }
+    void snapshot(const QString& name) {
+        QApplication::processEvents();
+        const QString folder = QStringLiteral(VELTO_BINARY_DIR "/screenshots");
+        QDir().mkpath(folder);
+        const int scale = qRound(window().devicePixelRatioF() * 100);
+        EXPECT_TRUE(window().grab().save(folder + u"/main-"_s + name + u'-' +
+                                         QString::number(scale) + u".png"_s));
+    }
+    // Buttons and toggles of the page on show that lie, even partly, beyond the window's sides
+    // where no scroll bar reaches them.
+    QStringList controlsOutside() {
+        QApplication::processEvents();
+        QStringList outside;
+        for (QAbstractButton* control : window().currentPage()->findChildren<QAbstractButton*>()) {
+            if (!control->isVisibleTo(&window()))
+                continue;
+            const QRect place(control->mapTo(&window(), QPoint(0, 0)), control->size());
+            bool scrolls = false;
+            for (QWidget* up = control->parentWidget(); up; up = up->parentWidget()) {
+                if (auto* area = qobject_cast<QAbstractScrollArea*>(up))
+                    scrolls = scrolls || area->horizontalScrollBar()->isVisible();
+            }
+            if ((place.left() < 0 || place.right() >= window().width()) && !scrolls)
+                outside << control->text();
+        }
+        return outside;
+    }
+
+    QTemporaryDir settingsFolder;
+    Workspace work;
+    std::unique_ptr<AppShell> shell;
+};
+
+TEST_F(FirstRunTest, ALongNameShortensInItsMiddleAndNoControlLeavesTheWindow) {
+    const QString name =
+        QString(u"Una película con un nombre larguísimo "_s).repeated(4).left(116) + u".mkv"_s;
+    ASSERT_EQ(name.size(), 120);
+    openReady(work.video(name, {track(u"eng"_s, u"English"_s)}));
+    const QSize room = window().screen()->availableGeometry().size();
+    EXPECT_LE(window().width(), room.width());
+    EXPECT_LE(window().height(), room.height());
+
+    window().resize(window().minimumSize());
+    auto* title = window().jobView()->findChild<ElidingLabel*>();
+    ASSERT_TRUE(title);
+    EXPECT_EQ(title->text(), name);
+    EXPECT_TRUE(title->shownText().contains(u'…')) << title->shownText().toStdString();
+    EXPECT_TRUE(title->shownText().startsWith(u"Una"_s) && title->shownText().endsWith(u".mkv"_s));
+    QApplication::processEvents();
+    title->repaint();
+    EXPECT_EQ(title->toolTip(), name);
+    EXPECT_EQ(controlsOutside(), QStringList());
+    snapshot(u"long-name"_s);
+    window().jobView()->optionsDisclosure()->click();
+    EXPECT_EQ(controlsOutside(), QStringList());
+    snapshot(u"long-name-options"_s);
+
+    shell->settings().present();
+    auto* settings = window().findChild<SettingsDialog*>();
+    ASSERT_TRUE(settings && settings->isVisible());
+    EXPECT_LE(settings->height(), room.height());
+    EXPECT_LE(settings->width(), room.width());
+    settings->close();
+}
+
+TEST_F(FirstRunTest, ReintentarRunsTheChosenTrackToTheChosenOutputAgain) {
+    openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s, u"A"_s), track(u"eng"_s, u"B"_s)}));
+    QListWidget* tracks = window().jobView()->trackList();
+    tracks->setCurrentRow(1);
+    const std::optional<qint64> chosen = state().selectedTrack();
+    // The folder is not there yet: the first run fails, the retry finds it.
+    const QString output = work.path(u"nueva/mi-salida.mkv"_s);
+    state().setOutputURL(output);
+    QTest::keyClick(&window(), Qt::Key_Return);
+    ASSERT_TRUE(reaches(Kind::failed));
+    ASSERT_TRUE(QDir(work.path(QString())).mkdir(u"nueva"_s));
+
+    QTest::mouseClick(window().failureView()->retryButton(), Qt::LeftButton);
+    ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
+    EXPECT_EQ(state().selectedTrack(), chosen);
+    EXPECT_TRUE(QFileInfo::exists(output));
+}
+
+TEST_F(FirstRunTest, TheWheelTurnsOnlyAControlThatHasTheFocus) {
+    openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
+    window().jobView()->optionsDisclosure()->click();
+    auto* options = window().jobView()->findChild<OptionsPanel*>();
+    Preferences& preferences = shell->preferences();
+    struct Case {
+        QWidget* control;
+        std::function<QString()> stored;
+    };
+    const QList<Case> cases = {
+        {options->variantPicker(), [&] { return preferences.variantRaw(); }},
+        {options->batchSizeStepper(), [&] { return QString::number(preferences.batchSize()); }},
+    };
+    for (const Case& c : cases) {
+        const QString before = c.stored();
+        const auto turn = [&] {
+            const QPoint centre = c.control->rect().center();
+            QWheelEvent wheel(centre, c.control->mapToGlobal(centre), QPoint(), QPoint(0, -120),
+                              Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(c.control, &wheel);
+        };
+        window().jobView()->startButton()->setFocus();
+        turn();
+        EXPECT_EQ(c.stored(), before) << c.control->metaObject()->className();
+        c.control->setFocus();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return c.control->hasFocus(); }));
+        turn();
+        EXPECT_NE(c.stored(), before) << c.control->metaObject()->className();
+    }
+}
+
+TEST_F(FirstRunTest, ReplacingAFileAndQuittingDuringAJobAskFirst) {
+    const QString video = work.video(u"Movie.mkv"_s, {track(u"eng"_s)});
+    QFile existing(work.path(u"Movie.es.mkv"_s));
+    ASSERT_TRUE(existing.open(QIODevice::WriteOnly));
+    existing.write("mío");
+    existing.close();
+    openReady(video);
+    {
+        test::Answer keep(u"Cancelar"_s);
+        QTest::keyClick(&window(), Qt::Key_Return);
+        EXPECT_EQ(keep.question(), u"Ya existe «Movie.es.mkv». ¿Lo reemplazo?"_s);
+    }
+    EXPECT_EQ(state().phase().kind(), Kind::ready);
+    EXPECT_EQ(QFileInfo(work.path(u"Movie.es.mkv"_s)).size(), 4);
+
+    test::Answer replace(u"Reemplazar"_s);
+    QTest::mouseClick(window().jobView()->startButton(), Qt::LeftButton);
+    ASSERT_EQ(state().phase().kind(), Kind::working);
+    {
+        test::Answer stay(u"Seguir traduciendo"_s);
+        for (QAction* action : window().findChildren<QAction*>()) {
+            if (action->text() == u"Salir"_s)
+                action->trigger();
+        }
+        EXPECT_EQ(stay.question(), u"Todavía estoy traduciendo. ¿Salgo igual?"_s);
+    }
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
+    EXPECT_GT(QFileInfo(work.path(u"Movie.es.mkv"_s)).size(), 4);
+}
+
+TEST_F(FirstRunTest, TheFolderAndTheSizeAreThereNextTimeAndQtsDialogsSpeakSpanish) {
+    openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
+    window().resize(window().minimumSize());
+    const QSize size = window().size();
+    window().close();
+    shell.reset();
+    start();
+    EXPECT_EQ(window().size(), size);
+    EXPECT_EQ(shell->preferences().lastFolder(), QFileInfo(work.path(u"Movie.mkv"_s)).path());
+
+    QDialogButtonBox buttons(QDialogButtonBox::Cancel | QDialogButtonBox::Save);
+    if (QLocale().language() != QLocale::Spanish &&
+        buttons.button(QDialogButtonBox::Cancel)->text() == u"Cancel"_s &&
+        !QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + u"/qtbase_es.qm"_s))
+        GTEST_SKIP() << "Qt's Spanish translations are not installed (qt6-translations-l10n)";
+    EXPECT_EQ(buttons.button(QDialogButtonBox::Cancel)->text(), u"Cancelar"_s);
+    EXPECT_EQ(buttons.button(QDialogButtonBox::Save)->text(), u"Guardar"_s);
+}
+
+TEST_F(FirstRunTest, AKeyIsReadForEveryProviderThatCanSendOne) {
+    if (!test::usePrivateSecretService())
+        GTEST_SKIP() << "no private Secret Service: run through ctest";
+    const Preferences preferences(
+        std::make_unique<QSettings>(settingsFolder.filePath(u"keys.ini"_s), QSettings::IniFormat),
+        AppShell::keychainReader());
+    const struct {
+        const Provider& provider;
+        bool read;
+    } cases[] = {{Provider::local(), true},
+                 {Provider::custom(), true},
+                 {Provider::openAI(), true},
+                 {Provider::claudeCLI(), false},
+                 {Provider::echo(), false}};
+    for (const auto& c : cases) {
+        Keychain::set(u"sk-"_s + c.provider.id, c.provider.id);
+        EXPECT_EQ(preferences.apiKey(c.provider), c.read ? u"sk-"_s + c.provider.id : QString())
+            << c.provider.id.toStdString();
+        Keychain::remove(c.provider.id);
+    }
+}
+
+TEST_F(FirstRunTest, TheStartPageSaysWhatTheEngineLacksOneClickFromTheSettings) {
+    shell->preferences().setProviderIDStorage(Provider::claude().id);
+    EngineLine* engine = window().startEngine();
+    ASSERT_TRUE(engine->isVisible());
+    EXPECT_TRUE(engine->text()->text().startsWith(u"Falta la API key de Claude"_s))
+        << engine->text()->text().toStdString();
+    snapshot(u"first-launch"_s);
+    QTest::mouseClick(engine->chooseButton(), Qt::LeftButton);
+    auto* settings = window().findChild<SettingsDialog*>();
+    ASSERT_TRUE(settings && settings->isVisible());
+    settings->close();
+    openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
+    EXPECT_FALSE(engine->isVisible());
+}
+
+TEST_F(FirstRunTest, EmptyingTheCacheAsksWithWhatItFreesAndKeepsOtherFiles) {
+    const QDir cache(Preferences::cacheDirectory());
+    const auto write = [&](const QString& name) {
+        QFile file(cache.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(2048, 'x'));
+    };
+    write(u"peli.json"_s);
+    write(u"notas.txt"_s);
+    openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
+    window().jobView()->optionsDisclosure()->click();
+    auto* options = window().jobView()->findChild<OptionsPanel*>();
+    EXPECT_EQ(options->cacheSize()->text(), u"Ocupa 2,0 kB"_s);
+    for (const auto& [answer, emptied] :
+         {std::pair{u"Cancelar"_s, false}, {u"Vaciar caché"_s, true}}) {
+        const test::Answer reply(answer);
+        QTest::mouseClick(options->emptyCacheButton(), Qt::LeftButton);
+        EXPECT_EQ(reply.question(), u"¿Vacío la caché de traducciones?"_s);
+        EXPECT_EQ(cache.exists(u"peli.json"_s), !emptied) << answer.toStdString();
+    }
+    EXPECT_TRUE(cache.exists(u"notas.txt"_s));
+    EXPECT_EQ(options->cacheSize()->text(), u"La caché está vacía."_s);
+    EXPECT_FALSE(options->emptyCacheButton()->isEnabled());
+    QFile::remove(cache.filePath(u"notas.txt"_s));
+}
+
+} // namespace
