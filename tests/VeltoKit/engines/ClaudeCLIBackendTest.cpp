@@ -13,6 +13,7 @@
 #include "VeltoKit/media/ShellError.h"
 #include "support/EngineTesting.h"
 #include "support/Eventually.h"
+#include "support/MediaFixtures.h"
 #include "support/ShellScripts.h"
 
 using namespace velto;
@@ -42,10 +43,7 @@ protected:
         claude(u"printf '%s' '%1'; printf '%s' '%2' >&2; exit %3"_s.arg(out, err).arg(status));
     }
     QString path(const QString& name) const { return files.filePath(name); }
-    QByteArray read(const QString& name) const {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    QByteArray read(const QString& name) const { return MediaFixtures::readFile(path(name)); }
     ClaudeCLIBackend backend(const QString& model = u"sonnet"_s, double timeout = 300) const {
         return {path(u"claude"_s), model, timeout};
     }

@@ -66,18 +66,14 @@ SubtitleRecipe track(SubtitleFormat format, const QString& language, int lines =
 }
 
 QByteArray fingerprint(const QString& file) {
-    QFile bytes(file);
-    bytes.open(QIODevice::ReadOnly);
-    return QCryptographicHash::hash(bytes.readAll(), QCryptographicHash::Sha256) +
+    return QCryptographicHash::hash(MediaFixtures::readFile(file), QCryptographicHash::Sha256) +
            QFileInfo(file).lastModified().toString(Qt::ISODateWithMs).toUtf8();
 }
 
 // The cues of Matroska track `id` as mkvextract, an independent reader, writes them.
 QList<SrtCue> cuesOf(const QString& file, qint64 id, const QString& scratch) {
     QProcess::execute(u"mkvextract"_s, {file, u"tracks"_s, QString::number(id) + u':' + scratch});
-    QFile srt(scratch);
-    srt.open(QIODevice::ReadOnly);
-    return SrtDocument::parse(QString::fromUtf8(srt.readAll())).cues();
+    return SrtDocument::parse(QString::fromUtf8(MediaFixtures::readFile(scratch))).cues();
 }
 
 class TranslationJobTest : public testing::Test {

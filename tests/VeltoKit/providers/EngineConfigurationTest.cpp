@@ -1,7 +1,6 @@
 #include "VeltoKit/providers/EngineConfiguration.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include "VeltoKit/engines/ClaudeCLIBackend.h"
@@ -9,6 +8,7 @@
 #include "VeltoKit/engines/OpenAICompatibleBackend.h"
 #include "VeltoKit/platform/PlatformText.h"
 #include "support/EngineTesting.h"
+#include "support/ShellScripts.h"
 
 using namespace velto;
 using namespace velto::test;
@@ -98,12 +98,7 @@ TEST(EngineConfiguration, CachedTranslationsNeverCrossModelsOrEfforts) {
 
 TEST(EngineConfiguration, FindsTheClaudeProgramWhereTheUserSaysOrExplainsWhereToSay) {
     QTemporaryDir folder;
-    const QString binary = QDir(folder.path()).filePath(u"claude"_s);
-    QFile file(binary);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("#!/bin/sh\n");
-    file.close();
-    file.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    const QString binary = writeShellScript(QDir(folder.path()).filePath(u"claude"_s), {});
 
     EngineConfiguration cli = setup(Provider::claudeCLI(), {}, {});
     cli.cliBinaryPath = folder.path();
