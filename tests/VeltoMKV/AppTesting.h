@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QtCore/qtestsupport_core.h>
 
+#include <gtest/gtest.h>
+
 #include "VeltoKit/providers/Preferences.h"
 #include "support/MediaFixtures.h"
 
@@ -26,6 +28,17 @@ inline MediaFixtures::SubtitleRecipe track(const QString& language, const QStrin
     recipe.forced = forced;
     recipe.hearingImpaired = hearingImpaired;
     return recipe;
+}
+
+// The first `Widget` under `root` that shows `text`; a test failure when none does.
+template <typename Widget>
+Widget* withText(const QObject& root, const QString& text) {
+    for (Widget* widget : root.findChildren<Widget*>()) {
+        if (widget->text() == text)
+            return widget;
+    }
+    ADD_FAILURE() << "nothing shows " << text.toStdString();
+    return nullptr;
 }
 
 class Workspace {

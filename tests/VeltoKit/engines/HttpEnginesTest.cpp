@@ -59,12 +59,10 @@ TEST_F(AnthropicEngine, PostsOneMessageAndJoinsTheTextBlocksUntrimmed) {
 
 TEST_F(AnthropicEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes) {
     const QString empty = u"La API devolvió una respuesta vacía."_s;
+    // One row per way a failure is told: the service's own message, the raw body cut short,
+    // an answer that is no translation.
     const std::vector<FailureRow> rows{
-        {"400", apiError("too big"), u"Pedido inválido (400): too big"_s, true},
         {"401", apiError("bad key"), u"La API key fue rechazada (401): bad key"_s, true},
-        {"403", "no", u"La API key fue rechazada (403): no"_s, true},
-        {"404", apiError("model: x"), u"Modelo no encontrado (404): model: x"_s, true},
-        {"201", "{}", u"Error 201: {}"_s, false},
         {"429 500 502 503 529", apiError("Overloaded"),
          u"El servicio está saturado (%1): Overloaded"_s, false},
         {"500", QByteArray(1000, 'x'), u"El servicio está saturado (500): "_s + QString(300, u'x'),
@@ -72,7 +70,6 @@ TEST_F(AnthropicEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes)
         {"200", R"({"content":[{"type":"text","text":"No."}],"stop_reason":"refusal"})",
          u"El modelo declinó traducir este fragmento. Probá con otro modelo."_s, false},
         {"200", R"({"content":[{"type":"text","text":"\n\n"}]})", empty, false},
-        {"200", R"({"stop_reason":"end_turn"})", empty, false},
     };
     expectFailures(4, rows, [&] { ask(anthropic()); });
 
@@ -128,7 +125,6 @@ TEST_F(OpenAICompatibleEngine, AnswersWithWindowsOrOldMacLineEndsTranslateInOneR
 TEST_F(OpenAICompatibleEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes) {
     const QString empty = u"El modelo local devolvió una respuesta vacía."_s;
     const std::vector<FailureRow> rows{
-        {"400", "bad", u"Pedido inválido (400): bad"_s, true},
         {"401 403", "no", u"La API key fue rechazada (%1): no"_s, true},
         {"404", R"({"error":"x"})",
          uR"(El servidor no reconoce el modelo «qwen3:8b» (404). {"error":"x"})"_s, true},
@@ -138,7 +134,6 @@ TEST_F(OpenAICompatibleEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransie
         {"201 501 504 529", "raro", u"El servidor devolvió %1: raro"_s, false},
         {"200", R"({"choices":[{"message":{"content":"<think>solo pienso</think>\n\n"}}]})", empty,
          false},
-        {"200", R"({"choices":[]})", empty, false},
         {"200", R"({"choices":[{"message":{"content":null}}]})", empty, false},
     };
     expectFailures(3, rows, [&] { ask(openAI(v1())); });
@@ -184,9 +179,7 @@ TEST_F(GeminiEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes) {
     const QString rejected = u"La API key de Gemini fue rechazada: "_s;
     const std::vector<FailureRow> rows{
         {"400", apiError("API key not valid."), rejected + u"API key not valid."_s, true},
-        {"400", apiError("Expired API Key"), rejected + u"Expired API Key"_s, true},
         {"400", apiError("Invalid JSON"), u"Gemini rechazó el pedido (400): Invalid JSON"_s, true},
-        {"404", "no existe", u"Gemini rechazó el pedido (404): no existe"_s, true},
         {"401 403", apiError("nope"), u"La API key de Gemini no tiene permiso (%1): nope"_s, true},
         {"429 500 503", apiError("busy"), u"Gemini está saturado (%1): busy"_s, false},
         {"502", QByteArray(1000, 'x'), u"Error 502 de Gemini: "_s + QString(300, u'x'), false},
@@ -207,8 +200,6 @@ TEST_F(HttpEngines, RefuseWhatTheyCannotAskWithoutSendingAnything) {
         {[&] { ask(anthropic({})); }, AnthropicBackend::missingKeyMessage()},
         {[&] { ask(openAI(v1(), {}, {})); }, u"Elegí un modelo en Ajustes."_s},
         {[&] { ask(openAI(u"localhost:11434/v1"_s)); }, badAddress},
-        {[&] { ask(openAI(u"ftp://127.0.0.1/v1"_s)); }, badAddress},
-        {[&] { ask(openAI(u"http:///v1"_s)); }, badAddress},
         {[&] { ask(gemini({})); },
          u"Falta la API key de Gemini. Sacala de https://aistudio.google.com/apikey y cargala en "
          u"Ajustes."_s},
@@ -218,7 +209,4 @@ TEST_F(HttpEngines, RefuseWhatTheyCannotAskWithoutSendingAnything) {
     for (const auto& [call, message] : refusals)
         EXPECT_EQ(fatalMessageOf(call), message);
     EXPECT_EQ(server.hits(), 0);
-    EXPECT_EQ(AnthropicBackend::missingKeyMessage(PlatformText::System::macOS),
-              u"Falta la API key de Anthropic. Cargala en Ajustes: la clave se guarda en el "
-              u"Llavero de macOS."_s);
 }

@@ -6,6 +6,7 @@
 
 #include "SubtitleTestSupport.h"
 #include "VeltoKit/subtitles/TextDecoder.h"
+#include "support/MediaFixtures.h"
 
 using namespace velto;
 using namespace Qt::StringLiterals;
@@ -49,9 +50,7 @@ TEST(Subtitles, WritesUtf8WithoutAMarkAndNamesTheFileOnFailure) {
     const QString path = dir.filePath(u"out.srt"_s);
     Subtitles::write(withEnds(QStringList(99, u"9"_s)), path); // replaced whole, never truncated
     Subtitles::write(SrtDocument::parse(QString::fromUtf8(oneCue)), path);
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), oneCue + "\n");
+    EXPECT_EQ(MediaFixtures::readFile(path), oneCue + "\n");
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList({u"out.srt"_s}));
 
     EXPECT_EQ(errorOf([&] { Subtitles::readText(dir.filePath(u"falta.srt"_s)); }),

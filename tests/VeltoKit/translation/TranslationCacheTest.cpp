@@ -6,25 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include "support/MediaFixtures.h"
 #include "support/QStringPrinter.h"
 
 using namespace velto;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeAll(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-} // namespace
+using MediaFixtures::readFile;
+using MediaFixtures::writeFile;
 
 TEST(TranslationCache, StartsEmptyFromUnreadableFilesAndWritesPutsUntilAWriteSucceeds) {
     QTemporaryDir dir;
@@ -32,11 +20,11 @@ TEST(TranslationCache, StartsEmptyFromUnreadableFilesAndWritesPutsUntilAWriteSuc
     TranslationCache(path, u"s"_s).flush();
     EXPECT_FALSE(QFile::exists(path));
     for (const QByteArray& bad : {"no es JSON"_ba, "[\"a\"]"_ba, "{\"a\": \"b\", \"c\": 1}"_ba}) {
-        writeAll(path, bad);
+        writeFile(path, bad);
         TranslationCache cache(path, u"s"_s);
         EXPECT_EQ(cache.count(), 0) << bad.constData();
         cache.flush();
-        EXPECT_EQ(readAll(path), bad);
+        EXPECT_EQ(readFile(path), bad);
     }
     // A folder under the file's name makes the write fail; the next flush tries again.
     ASSERT_TRUE(QFile::remove(path) && QDir(dir.path()).mkdir(u"video.json"_s));
@@ -52,7 +40,7 @@ TEST(TranslationCache, KeepsOnlyThisRunsEntriesAndReadsBackWhatItWrote) {
     QTemporaryDir dir;
     const QString path = dir.filePath(u"video.json"_s);
     // What an earlier run of the program left: valid, but its keys can never match again.
-    writeAll(path, R"({"5-77":"viejo"})"_ba);
+    writeFile(path, R"({"5-77":"viejo"})"_ba);
     TranslationCache cache(path, u"s"_s);
     EXPECT_EQ(cache.count(), 0);
     const QString nasty = u"\"¡Corré!\" \\ ⟪1⟫\n\t\u0001 😀"_s;
@@ -91,7 +79,7 @@ TEST(TranslationCache, FlushIfDueWritesAtMostOncePerIntervalAndOnlyChanges) {
 TEST(TranslationCache, ClearAllRemovesOnlyFilesEndingInLowerCaseJson) {
     QTemporaryDir dir;
     for (const char* name : {"a.json", "b.JSON", "notes.txt", "c.json.bak"})
-        writeAll(dir.filePath(QString::fromUtf8(name)), "{}");
+        writeFile(dir.filePath(QString::fromUtf8(name)), "{}");
     ASSERT_TRUE(QDir(dir.path()).mkdir(u"sub.json"_s));
     TranslationCache::clearAll(dir.path());
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name),

@@ -56,12 +56,7 @@ protected:
     }
 
     QPushButton* button(const QString& text) {
-        for (QPushButton* button : dialog->findChildren<QPushButton*>()) {
-            if (button->text() == text)
-                return button;
-        }
-        ADD_FAILURE() << "no button " << text.toStdString();
-        return nullptr;
+        return AppTesting::withText<QPushButton>(*dialog, text);
     }
 
     static void type(QLineEdit* edit, const QString& text) {
