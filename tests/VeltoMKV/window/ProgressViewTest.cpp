@@ -27,20 +27,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QStringList film = {
-    u"Where is the car?"_s,
-    u"Inside, I think."_s,
-    u"We have to go. Now."_s,
-    u"Did you lock the door?"_s,
-    u"I always lock the door."_s,
-    u"Then who opened it?"_s,
-    u"Don't look at me."_s,
-    u"Somebody was here."_s,
-    u"<i>Somebody is still here.</i>"_s,
-    u"Get in the car."_s,
-    u"Keys!"_s,
-    u"Drive!"_s,
-};
+// Twelve cues, the ninth in italics: the live lines show it as plain text.
+const QStringList film = [] {
+    QStringList lines;
+    for (int n = 1; n <= 12; ++n)
+        lines << (n == 9 ? u"<i>Line 9.</i>"_s : u"Line %1."_s.arg(n));
+    return lines;
+}();
 
 QList<TranslatedLine> translated(qsizetype from, qsizetype count) {
     QList<TranslatedLine> lines;
@@ -111,7 +104,7 @@ TEST(ProgressView, ShowsTheLatestLinesAndTheTimeLeftWithoutMovingTheBar) {
     QApplication::processEvents();
     // A few at a time, the newest last, as a viewer reads them.
     QList<TranslatedLine> latest = translated(6, 4);
-    latest[2] = {u"Somebody is still here."_s, u"es: Somebody is still here."_s};
+    latest[2] = {u"Line 9."_s, u"es: Line 9."_s};
     EXPECT_EQ(page->liveLines()->shown(), latest);
     EXPECT_EQ(page->bar()->mapTo(&window, QPoint()), barBefore);
     EXPECT_EQ(window.windowTitle(), u"83 % · VeltoMKV"_s);
