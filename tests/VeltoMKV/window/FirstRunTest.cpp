@@ -8,10 +8,12 @@
 #include <QLabel>
 #include <QLibraryInfo>
 #include <QListWidget>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSemaphore>
 #include <QSettings>
 #include <QSpinBox>
 #include <QTest>
@@ -28,12 +30,15 @@
 #include "VeltoMKV/EngineLine.h"
 #include "VeltoMKV/FailureView.h"
 #include "VeltoMKV/JobView.h"
+#include "VeltoMKV/LiveLines.h"
 #include "VeltoMKV/MainWindow.h"
 #include "VeltoMKV/OptionsPanel.h"
+#include "VeltoMKV/ProgressView.h"
 #include "VeltoMKV/SettingsDialog.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
 #include "VeltoMKV/window/Answer.h"
+#include "support/ChatCompletionsServer.h"
 #include "support/SecretService.h"
 
 using namespace velto;
@@ -43,6 +48,21 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using Kind = Phase::Kind;
+
+// Twelve cues, the ninth in italics: the live lines show it as plain text.
+const QStringList film = [] {
+    QStringList lines;
+    for (int n = 1; n <= 12; ++n)
+        lines << (n == 9 ? u"<i>Line 9.</i>"_s : u"Line %1."_s.arg(n));
+    return lines;
+}();
+
+QList<TranslatedLine> translated(qsizetype from, qsizetype count) {
+    QList<TranslatedLine> lines;
+    for (const QString& line : film.mid(from, count))
+        lines.append({line, u"es: "_s + line});
+    return lines;
+}
 
 // The application as a new user meets it: throwaway preferences on the echo engine.
 class FirstRunTest : public ::testing::Test {
@@ -132,6 +152,67 @@ TEST_F(FirstRunTest, ALongNameShortensInItsMiddleAndNoControlLeavesTheWindow) {
     EXPECT_LE(settings->height(), room.height());
     EXPECT_LE(settings->width(), room.width());
     settings->close();
+}
+
+// The long wait: the latest lines arrive under the bar, the counts read with the time left, and
+// the window's title carries the percentage.
+TEST_F(FirstRunTest, TheProgressPageShowsTheLatestLinesAndTheTimeLeftWithoutMovingTheBar) {
+    // Every cue the server answers takes one permit: the test lets the batches through.
+    QSemaphore permits;
+    test::ChatCompletionsServer server(
+        {.key = {}, .translate = [&permits](int, const QString& text) -> QString {
+             permits.acquire();
+             return u"es: "_s + text;
+         }});
+    Preferences& preferences = shell->preferences();
+    preferences.setProviderIDStorage(Provider::local().id);
+    preferences.setBaseURL(server.baseUrl(), Provider::local());
+    preferences.setModel(u"modelo-a"_s, Provider::local());
+    preferences.setBatchSize(2);
+    preferences.setConcurrency(1);
+    MediaFixtures::SubtitleRecipe english = track(u"eng"_s);
+    english.lines = film;
+    openReady(work.video(u"Película.mkv"_s, {english}));
+
+    window().startJob();
+    ProgressView* page = window().progressView();
+    const auto done = [&](qint64 count) {
+        return QTest::qWaitFor(
+            [&] {
+                const std::optional<TranslationProgress>& counted = state().progress().translation;
+                return counted && counted->done == count;
+            },
+            patience);
+    };
+    ASSERT_TRUE(done(0));
+    QApplication::processEvents();
+    const QPoint barBefore = page->bar()->mapTo(&window(), QPoint());
+    EXPECT_FALSE(page->liveLines()->isVisibleTo(page));
+    EXPECT_EQ(page->detailLine()->text(), u"0 de 12 subtítulos"_s);
+
+    permits.release(2);
+    ASSERT_TRUE(done(2));
+    EXPECT_EQ(page->liveLines()->shown(), translated(0, 2));
+    EXPECT_TRUE(page->liveLines()->isVisibleTo(page));
+    // One request at a time: its first answer sets the pace.
+    EXPECT_TRUE(page->detailLine()->text().startsWith(u"2 de 12 subtítulos · falta"_s))
+        << page->detailLine()->text().toStdString();
+    EXPECT_EQ(window().windowTitle(), u"17 % · VeltoMKV"_s);
+
+    permits.release(8);
+    ASSERT_TRUE(done(10));
+    QApplication::processEvents();
+    // A few at a time, the newest last, as a viewer reads them.
+    QList<TranslatedLine> latest = translated(6, 4);
+    latest[2] = {u"Line 9."_s, u"es: Line 9."_s};
+    EXPECT_EQ(page->liveLines()->shown(), latest);
+    EXPECT_EQ(page->bar()->mapTo(&window(), QPoint()), barBefore);
+    EXPECT_EQ(window().windowTitle(), u"83 % · VeltoMKV"_s);
+    snapshot(u"working-lines"_s);
+
+    permits.release(int(film.size()));
+    ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
+    EXPECT_EQ(window().windowTitle(), u"VeltoMKV"_s);
 }
 
 TEST_F(FirstRunTest, ReintentarRunsTheChosenTrackToTheChosenOutputAgain) {
