@@ -35,7 +35,7 @@ EngineLine::EngineLine(Preferences& preferences, SettingsPresenter& settings, QW
 }
 
 void EngineLine::refresh() {
-    const EngineConfiguration engine = m_preferences.engineConfiguration();
+    const EngineConfiguration engine = m_preferences.engineConfigurationOrTrouble();
     const std::optional<QString> missing = engine.missingRequirement();
     m_icon->setVisible(missing.has_value());
     m_text->setText(missing.value_or(engine.summary()));
