@@ -47,15 +47,9 @@ void AppShell::configureApplication() {
 }
 
 Preferences::KeyReader AppShell::keychainReader() {
-    // A store that keeps silent reads as no key here: the window then says what is missing,
-    // and it waited no longer than the store's deadline.
-    return [](const QString& account) {
-        try {
-            return Keychain::get(account);
-        } catch (const KeychainError&) {
-            return QString();
-        }
-    };
+    // A store that keeps silent throws after its deadline; the window reads the engine through
+    // Preferences::engineConfigurationOrTrouble and shows the store's sentence.
+    return &Keychain::get;
 }
 
 void AppShell::openArguments(const QStringList& arguments) {

@@ -8,11 +8,15 @@
 class QLabel;
 class QMimeData;
 class QPushButton;
+class QVBoxLayout;
 
 namespace velto {
 
+class DropTarget;
+
 // The idle page: a large target for one video file, with a button for those who would rather
-// pick it from a dialog. Refusals show as a quiet line inside the zone, never as a dialog.
+// pick it from a dialog, in a column that scrolls when the window is smaller than its content.
+// Refusals show as a quiet line inside the zone, never as a dialog.
 class DropZone : public QWidget {
     Q_OBJECT
 
@@ -25,6 +29,8 @@ public:
     static QString refusal(const QMimeData* data);
 
     QPushButton* chooseButton() const { return m_choose; }
+    // Puts `widget` under the target, in the same scrolling column.
+    void addBelow(QWidget* widget);
     QString refusalText() const;
 
 signals:
@@ -32,7 +38,6 @@ signals:
     void chooseRequested();
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -40,9 +45,10 @@ protected:
 private:
     void setHovering(bool hovering);
 
+    QVBoxLayout* m_column;
+    DropTarget* m_target;
     QPushButton* m_choose;
     QLabel* m_refusal;
-    bool m_hovering = false;
 };
 
 } // namespace velto

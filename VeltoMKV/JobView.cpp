@@ -27,7 +27,7 @@ namespace {
 
 constexpr int trackIndexRole = Qt::UserRole;
 
-// "#3  inglés  «English»  ·  SDH · 1502 subt."; image tracks say they need OCR.
+// "#3  inglés  «English»  ·  SDH · 1.502 subt."; image tracks say they need OCR.
 QString describe(const SubtitleTrack& track) {
     QString text =
         u'#' + QString::number(track.index) + QStringLiteral("  ") + track.languageName();
@@ -41,7 +41,7 @@ QString describe(const SubtitleTrack& track) {
     if (track.isBitmap())
         notes << QStringLiteral("imagen, necesita OCR");
     else if (track.frameCount)
-        notes << QString::number(*track.frameCount) + QStringLiteral(" subt.");
+        notes << Format::count(*track.frameCount) + QStringLiteral(" subt.");
     if (!notes.isEmpty())
         text += QStringLiteral("   ·   ") + notes.join(QStringLiteral(" · "));
     return text;

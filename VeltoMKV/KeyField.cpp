@@ -95,7 +95,9 @@ KeyField::KeyField(Preferences& preferences, std::optional<QString> unavailable,
 void KeyField::show(const Provider& provider) {
     commit();
     m_provider = provider;
-    m_field->setText(m_field->isEnabled() ? m_preferences.apiKey(provider) : QString());
+    m_field->setText(m_field->isEnabled()
+                         ? m_preferences.engineConfigurationOrTrouble(provider).apiKey
+                         : QString());
     setShown(false);
     m_source->setText(QStringLiteral("La sacás de ") + provider.keySource + u'.');
     m_source->setVisible(!provider.keySource.isEmpty());

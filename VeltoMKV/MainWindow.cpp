@@ -92,8 +92,8 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     columnLayout->addWidget(m_ffmpegRow);
     // A first-time user learns on the start page, not after opening a video, what the engine
     // still lacks.
-    m_startEngine = new EngineLine(m_preferences, m_settings, column);
-    columnLayout->addWidget(m_startEngine);
+    m_startEngine = new EngineLine(m_preferences, m_settings, m_dropZone);
+    m_dropZone->addBelow(m_startEngine);
     setCentralWidget(central);
 
     connect(m_dropZone, &DropZone::fileDropped, this, &MainWindow::openFile);
@@ -201,7 +201,6 @@ void MainWindow::showPhase() {
     const Phase::Kind kind = m_state.phase().kind();
     m_pages->setCurrentIndex(static_cast<int>(kind));
     m_openAction->setEnabled(acceptsFiles());
-    m_startEngine->setVisible(kind == Phase::Kind::idle);
     if (m_state.sourceURL())
         m_preferences.setLastFolder(QFileInfo(*m_state.sourceURL()).absolutePath());
     if (kind == Phase::Kind::working)

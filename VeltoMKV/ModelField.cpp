@@ -89,7 +89,8 @@ void ModelField::search() {
     if (!m_provider)
         return;
     m_status->hide();
-    m_queries.listModels(*m_provider, m_preferences.apiKey(*m_provider),
+    m_queries.listModels(*m_provider,
+                         m_preferences.engineConfigurationOrTrouble(*m_provider).apiKey,
                          m_preferences.baseURL(*m_provider));
 }
 

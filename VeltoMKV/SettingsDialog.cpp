@@ -331,7 +331,8 @@ void SettingsDialog::showProvider() {
 }
 
 void SettingsDialog::showReadiness() {
-    const std::optional<QString> missing = m_preferences.engineConfiguration().missingRequirement();
+    const std::optional<QString> missing =
+        m_preferences.engineConfigurationOrTrouble().missingRequirement();
     setIcon(m_noticeIcon, missing ? Look::warningIcon() : Look::doneMark(palette()));
     m_notice->setText(missing.value_or(QStringLiteral("Listo para traducir")));
     relayout(m_notice);
@@ -371,7 +372,7 @@ void SettingsDialog::testConnection() {
     m_key->commit();
     m_testIcon->hide();
     m_testResult->clear();
-    m_queries->testConnection(m_preferences.engineConfiguration());
+    m_queries->testConnection(m_preferences.engineConfigurationOrTrouble());
 }
 
 void SettingsDialog::showTestResult(bool succeeded, const QString& message) {

@@ -57,6 +57,8 @@ std::optional<EngineConfiguration::Requirement> EngineConfiguration::missing() c
 
 std::optional<QString> EngineConfiguration::missingRequirement() const {
     const std::optional<Requirement> lacking = missing();
+    if (lacking == Requirement::apiKey && !keyTrouble.isEmpty())
+        return keyTrouble;
     if (lacking == Requirement::apiKey) {
         return QStringLiteral("Falta la API key de ") + provider.name +
                QStringLiteral(". Cargala en Ajustes") +

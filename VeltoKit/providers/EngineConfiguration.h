@@ -27,6 +27,8 @@ struct EngineConfiguration {
     AnthropicBackend::Effort effort;
     QString cliModel;
     QString cliBinaryPath;
+    // Why the key could not be read, in the credential store's words; empty when it answered.
+    QString keyTrouble;
 
     // What this setup lacks before it can run; each front end says where to give it.
     enum class Requirement { apiKey, model };

@@ -240,6 +240,21 @@ EngineConfiguration Preferences::engineConfiguration(const Provider& provider) c
                                anthropicEffort(), cliModel(), cliBinaryPath());
 }
 
+EngineConfiguration Preferences::engineConfigurationOrTrouble() const {
+    return engineConfigurationOrTrouble(provider());
+}
+
+EngineConfiguration Preferences::engineConfigurationOrTrouble(const Provider& provider) const {
+    try {
+        return engineConfiguration(provider);
+    } catch (const KeychainError& error) {
+        EngineConfiguration engine(provider, QString(), baseURL(provider), model(provider),
+                                   anthropicEffort(), cliModel(), cliBinaryPath());
+        engine.keyTrouble = error.description();
+        return engine;
+    }
+}
+
 JobOptions Preferences::makeJobOptions(std::optional<QString> output,
                                        std::optional<qint64> forcedTrack, bool force) const {
     JobOptions options;

@@ -102,6 +102,10 @@ public:
     EngineConfiguration engineConfiguration() const;
     // The same for another provider, with that provider's own key, model and address.
     EngineConfiguration engineConfiguration(const Provider& provider) const;
+    // The same for a window, which must not stop: a credential store that did not answer leaves
+    // no key and its sentence in `keyTrouble` instead of throwing.
+    EngineConfiguration engineConfigurationOrTrouble() const;
+    EngineConfiguration engineConfigurationOrTrouble(const Provider& provider) const;
     JobOptions makeJobOptions(std::optional<QString> output, std::optional<qint64> forcedTrack,
                               bool force) const;
 
