@@ -333,7 +333,10 @@ TEST_F(FirstRunTest, OptionsTurnOnlyWithFocusAndEmptyTheCacheAfterAsking) {
         {options->variantPicker(), [&] { return preferences.variantRaw(); }},
         {options->batchSizeStepper(), [&] { return QString::number(preferences.batchSize()); }},
     };
-    for (const auto& [control, stored] : cases) {
+    for (const auto& entry : cases) {
+        // Named, not bound: clang 14 lets no lambda capture a structured binding.
+        QWidget* const control = entry.first;
+        const std::function<QString()>& stored = entry.second;
         const QString before = stored();
         const auto turn = [&] {
             const QPoint centre = control->rect().center();
