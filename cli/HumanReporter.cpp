@@ -106,7 +106,8 @@ void HumanReporter::finished(const QString& video, const JobResult& result) {
     const std::lock_guard lock(m_mutex);
     clearStatusLine();
     QStringList counts{QString::number(result.translatedCount) +
-                       QStringLiteral(" subtítulos traducidos")};
+                       (result.translatedCount == 1 ? QStringLiteral(" subtítulo traducido")
+                                                    : QStringLiteral(" subtítulos traducidos"))};
     if (result.removedDescriptions > 0)
         counts.append(QString::number(result.removedDescriptions) +
                       QStringLiteral(" descripciones quitadas"));

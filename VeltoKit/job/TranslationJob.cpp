@@ -163,7 +163,9 @@ private:
                                     m_options.batchSize, m_options.contextLines,
                                     m_options.concurrency, cache);
         const QStringList texts = document.texts();
-        report(JobStage::translating, QString::number(texts.size()) + QStringLiteral(" subtítulos"),
+        report(JobStage::translating,
+               QString::number(texts.size()) + (texts.size() == 1 ? QStringLiteral(" subtítulo")
+                                                                  : QStringLiteral(" subtítulos")),
                0.0);
         const Translator::Result result = translator.translateAll(
             texts,
