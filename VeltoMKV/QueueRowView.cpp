@@ -1,5 +1,7 @@
 #include "VeltoMKV/QueueRowView.h"
 
+#include <algorithm>
+
 #include <QComboBox>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -32,7 +34,7 @@ QString running(const QueueRow& row) {
 }
 
 QString done(const QueueRow& row) {
-    QString text = QStringLiteral("listo: ") + QFileInfo(row.result->outputURL).fileName();
+    QString text = QFileInfo(row.result->outputURL).fileName();
     const qsizetype warnings = row.result->warnings.size();
     if (warnings > 0)
         text += QStringLiteral(" · ") + Format::count(warnings) +
@@ -40,25 +42,40 @@ QString done(const QueueRow& row) {
     return text;
 }
 
-// The state in the app's words, lower case as a list reads.
-QString stateText(const QueueRow& row) {
+// The state in a word or two, beside the name, lower case as a list reads.
+QString stateWord(const QueueRow& row) {
     switch (row.state) {
     case State::waiting:
         return QStringLiteral("esperando");
     case State::analysing:
         return QStringLiteral("analizando…");
     case State::translating:
-        return running(row);
+        return row.progress.progress ? Format::percent(*row.progress.progress) : QString();
     case State::done:
-        return done(row);
+        return QStringLiteral("listo");
     case State::skipped:
-        return QStringLiteral("omitido: ") + row.message;
+        return QStringLiteral("omitido");
     case State::failed:
-        return QStringLiteral("falló: ") + row.message;
+        return QStringLiteral("falló");
     case State::cancelled:
         return QStringLiteral("cancelado");
     }
     return {};
+}
+
+// What the badge cannot say: the stage, the file written, the reason.
+QString details(const QueueRow& row) {
+    switch (row.state) {
+    case State::translating:
+        return running(row);
+    case State::done:
+        return done(row);
+    case State::skipped:
+    case State::failed:
+        return row.message;
+    default:
+        return {};
+    }
 }
 
 QIcon markFor(State state, const QPalette& palette) {
@@ -102,8 +119,13 @@ QueueRowView::QueueRowView(quint64 id, QWidget* parent)
 
     auto* text = new QVBoxLayout();
     text->setSpacing(4);
+    auto* naming = new QHBoxLayout();
+    naming->setSpacing(Look::rowGap);
     m_name = new ElidingLabel(this);
-    text->addWidget(m_name);
+    naming->addWidget(m_name, 1);
+    m_badge = Look::secondary(QString(), this);
+    naming->addWidget(m_badge);
+    text->addLayout(naming);
     m_track = new QComboBox(this);
     // A long track title must not widen the page: the picker shortens, its list does not.
     m_track->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -126,8 +148,18 @@ QueueRowView::QueueRowView(quint64 id, QWidget* parent)
     m_down = arrow(Qt::DownArrow, QStringLiteral("Bajar"), this);
     m_action = Look::quietButton(QString(), this);
     for (QWidget* button : {static_cast<QWidget*>(m_up), static_cast<QWidget*>(m_down),
-                            static_cast<QWidget*>(m_action)})
+                            static_cast<QWidget*>(m_action)}) {
+        // Hidden buttons keep their room, so the rows' pickers line up.
+        QSizePolicy policy = button->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        button->setSizePolicy(policy);
         row->addWidget(button, 0, Qt::AlignTop);
+    }
+    m_action->setMinimumWidth(
+        std::max({m_action->fontMetrics().horizontalAdvance(QStringLiteral("Reintentar")),
+                  m_action->fontMetrics().horizontalAdvance(QStringLiteral("Mostrar")),
+                  m_action->fontMetrics().horizontalAdvance(QStringLiteral("Quitar"))}) +
+        8);
 
     connect(m_up, &QToolButton::clicked, this, [this] { emit moveRequested(m_id, -1); });
     connect(m_down, &QToolButton::clicked, this, [this] { emit moveRequested(m_id, 1); });
@@ -143,7 +175,9 @@ void QueueRowView::show(const QueueRow& row, bool first, bool last) {
                           .pixmap(QSize(markSize, markSize), m_mark->devicePixelRatioF()));
     m_name->setText(QFileInfo(row.source).fileName());
     showTracks(row);
-    m_state->setText(stateText(row));
+    m_badge->setText(stateWord(row));
+    m_state->setText(details(row));
+    m_state->setVisible(!m_state->text().isEmpty());
     const bool translating = row.state == State::translating;
     m_bar->setVisible(translating);
     if (translating) {

@@ -29,6 +29,8 @@ public:
 
     QLabel* nameLabel() const { return m_name; }
     QComboBox* trackPicker() const { return m_track; }
+    // The state in a word ("esperando", "43 %", "listo"), and under it what a word cannot say.
+    QLabel* badge() const { return m_badge; }
     QLabel* stateLine() const { return m_state; }
     QProgressBar* bar() const { return m_bar; }
     QPushButton* actionButton() const { return m_action; }
@@ -48,6 +50,7 @@ private:
     quint64 m_id;
     QLabel* m_mark;
     QLabel* m_name;
+    QLabel* m_badge;
     QComboBox* m_track;
     QLabel* m_state;
     QProgressBar* m_bar;

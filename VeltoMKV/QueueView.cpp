@@ -126,7 +126,10 @@ void QueueView::start() {
     if (!m_start->isEnabled() || m_queue.isRunning())
         return;
     m_summary->hide();
-    m_queue.start(m_preferences);
+    if (m_queue.runnable() == 0)
+        m_queue.clear();
+    else
+        m_queue.start(m_preferences);
 }
 
 void QueueView::rebuildRows() {
@@ -179,10 +182,13 @@ void QueueView::showQueue() {
     m_clear->setEnabled(!running);
     m_cancel->setVisible(running);
     m_start->setVisible(!running);
-    m_start->setText(runnable == 1 ? QStringLiteral("Traducir el video")
-                                   : QStringLiteral("Traducir los ") + videos(runnable));
-    m_start->setEnabled(runnable > 0 && m_engine->isReady());
-    m_start->setToolTip(m_engine->isReady() ? QString() : m_engine->text()->text());
+    // With nothing left to run, the way on is a new list.
+    m_start->setText(runnable == 0   ? QStringLiteral("Traducir otros videos")
+                     : runnable == 1 ? QStringLiteral("Traducir el video")
+                                     : QStringLiteral("Traducir los ") + videos(runnable));
+    const bool ready = m_engine->isReady() || runnable == 0;
+    m_start->setEnabled(ready);
+    m_start->setToolTip(ready ? QString() : m_engine->text()->text());
     const bool spanish =
         std::any_of(m_queue.rows().begin(), m_queue.rows().end(), [](const QueueRow& row) {
             return row.info && row.info->spanishStatus() == SpanishStatus::full;

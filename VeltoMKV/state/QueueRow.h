@@ -33,7 +33,9 @@ struct QueueRow {
     bool queued = false;
 
     // Its job has begun or ended: its track and place are no longer the user's to change.
-    bool started() const { return state != State::waiting && state != State::skipped; }
+    bool started() const {
+        return state != State::waiting && state != State::analysing && state != State::skipped;
+    }
     // The job or probe working on it now.
     bool active() const { return state == State::analysing || state == State::translating; }
 };
