@@ -237,6 +237,7 @@ void MainWindow::showPhase() {
         if (m_pages->currentWidget() != m_queueView) {
             m_pages->setCurrentWidget(m_queueView);
             m_queueView->refreshEngine();
+            m_queueView->startButton()->setFocus();
         }
         return;
     }

@@ -7,6 +7,8 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include "VeltoKit/providers/Preferences.h"
@@ -106,7 +108,12 @@ QueueView::QueueView(QueueState& queue, Preferences& preferences, SettingsPresen
 
     connect(&m_queue, &QueueState::rowsChanged, this, &QueueView::rebuildRows);
     connect(&m_queue, &QueueState::rowChanged, this, &QueueView::showRow);
-    connect(&m_queue, &QueueState::runningChanged, this, &QueueView::showQueue);
+    connect(&m_queue, &QueueState::runningChanged, this, [this] {
+        showQueue();
+        // The focus goes to the footer's button, not into the list, where it would follow the
+        // rows' pickers as they hide and scroll the list away from the top.
+        (m_queue.isRunning() ? m_cancel : m_start)->setFocus();
+    });
     connect(&m_queue, &QueueState::failureChanged, this, &QueueView::showQueue);
     connect(&m_queue, &QueueState::finished, this, &QueueView::showSummary);
     connect(&m_queue, &QueueState::forceChanged, this,
@@ -214,6 +221,8 @@ void QueueView::showSummary() {
     m_warnings->setText(lines.join(u'\n'));
     m_warnings->setVisible(!lines.isEmpty());
     m_summary->show();
+    if (auto* area = findChild<QScrollArea*>())
+        area->verticalScrollBar()->setValue(0);
 }
 
 } // namespace velto

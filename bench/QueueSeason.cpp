@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <sys/resource.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -73,6 +74,18 @@ double residentMegabytes() {
     return fields.size() > 1 ? fields.at(1).toDouble() * 4096 / (1024.0 * 1024.0) : 0;
 }
 
+// User and system seconds of this process and of the tools it ran and waited for.
+double cpuSeconds() {
+    double total = 0;
+    for (int who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
+        rusage usage{};
+        getrusage(who, &usage);
+        total += static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+                 static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    }
+    return total;
+}
+
 void removeOutputs(const QString& folder) {
     for (const QString& name : QDir(folder).entryList({u"*.es.mkv"_s}, QDir::Files))
         QFile::remove(QDir(folder).filePath(name));
@@ -132,18 +145,23 @@ int main(int argc, char** argv) {
     preferences.setProviderIDStorage(u"echo"_s);
     preferences.setUseCache(false);
 
-    std::printf("round  singles_s  queue_s  queue/singles  rss_mb_after_each_episode\n");
+    std::printf("round  singles_s  queue_s  queue/singles  cpu_singles_s  cpu_queue_s  cpu_ratio  "
+                "rss_mb_after_each_episode\n");
     for (int round = 1; round <= rounds; ++round) {
+        const double before = cpuSeconds();
         const double one = singles(videos, preferences);
+        const double middle = cpuSeconds();
         removeOutputs(folder);
         QList<double> memory;
         const double all = queue(videos, preferences, memory);
+        const double after = cpuSeconds();
         removeOutputs(folder);
         QStringList megabytes;
         for (double value : memory)
             megabytes << QString::number(value, 'f', 1);
-        std::printf("%5d  %9.2f  %7.2f  %13.3f  %s\n", round, one, all, all / one,
-                    qPrintable(megabytes.join(u' ')));
+        std::printf("%5d  %9.2f  %7.2f  %13.3f  %13.2f  %11.2f  %9.3f  %s\n", round, one, all,
+                    all / one, middle - before, after - middle,
+                    (after - middle) / (middle - before), qPrintable(megabytes.join(u' ')));
         std::fflush(stdout);
     }
     return 0;
