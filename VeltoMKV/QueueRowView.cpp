@@ -1,7 +1,5 @@
 #include "VeltoMKV/QueueRowView.h"
 
-#include <algorithm>
-
 #include <QComboBox>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -129,7 +127,7 @@ QueueRowView::QueueRowView(quint64 id, QWidget* parent)
     m_track = new QComboBox(this);
     // A long track title must not widen the page: the picker shortens, its list does not.
     m_track->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_track->setMinimumContentsLength(12);
+    m_track->setMinimumContentsLength(6);
     m_track->setPlaceholderText(QStringLiteral("Elegí una pista"));
     m_track->setAccessibleName(QStringLiteral("Pista a traducir"));
     guardWheel(m_track);
@@ -147,19 +145,18 @@ QueueRowView::QueueRowView(quint64 id, QWidget* parent)
     m_up = arrow(Qt::UpArrow, QStringLiteral("Subir"), this);
     m_down = arrow(Qt::DownArrow, QStringLiteral("Bajar"), this);
     m_action = Look::quietButton(QString(), this);
+    // Close together, so a narrow window keeps its room for the name and the track.
+    auto* actions = new QHBoxLayout();
+    actions->setSpacing(2);
     for (QWidget* button : {static_cast<QWidget*>(m_up), static_cast<QWidget*>(m_down),
                             static_cast<QWidget*>(m_action)}) {
         // Hidden buttons keep their room, so the rows' pickers line up.
         QSizePolicy policy = button->sizePolicy();
         policy.setRetainSizeWhenHidden(true);
         button->setSizePolicy(policy);
-        row->addWidget(button, 0, Qt::AlignTop);
+        actions->addWidget(button, 0, Qt::AlignTop);
     }
-    m_action->setMinimumWidth(
-        std::max({m_action->fontMetrics().horizontalAdvance(QStringLiteral("Reintentar")),
-                  m_action->fontMetrics().horizontalAdvance(QStringLiteral("Mostrar")),
-                  m_action->fontMetrics().horizontalAdvance(QStringLiteral("Quitar"))}) +
-        8);
+    row->addLayout(actions);
 
     connect(m_up, &QToolButton::clicked, this, [this] { emit moveRequested(m_id, -1); });
     connect(m_down, &QToolButton::clicked, this, [this] { emit moveRequested(m_id, 1); });
