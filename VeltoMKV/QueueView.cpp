@@ -13,6 +13,7 @@
 
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AppIcon.h"
+#include "VeltoMKV/Confirm.h"
 #include "VeltoMKV/EngineLine.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/QueueRowView.h"
@@ -132,11 +133,20 @@ void QueueView::refreshEngine() {
 void QueueView::start() {
     if (!m_start->isEnabled() || m_queue.isRunning())
         return;
-    m_summary->hide();
-    if (m_queue.runnable() == 0)
+    if (m_queue.runnable() == 0) {
         m_queue.clear();
-    else
-        m_queue.start(m_preferences);
+        return;
+    }
+    QStringList existing;
+    for (const QueueRow& row : m_queue.rows()) {
+        if (row.state == QueueRow::State::waiting && row.plan &&
+            QFileInfo::exists(row.plan->output))
+            existing << row.plan->output;
+    }
+    if (!existing.isEmpty() && !Confirm::replaceOutputs(this, existing))
+        return;
+    m_summary->hide();
+    m_queue.start(m_preferences);
 }
 
 void QueueView::rebuildRows() {

@@ -5,6 +5,8 @@
 #include <QDirIterator>
 #include <QFileInfo>
 
+#include "VeltoKit/job/JobPlan.h"
+
 namespace velto::VideoScan {
 namespace {
 
@@ -56,6 +58,11 @@ QStringList videosUnder(const QString& folder) {
         if (isVideo(path))
             found.append(path);
     }
+    // The copies made earlier from videos of the same folder are results, not work to do.
+    QStringList made;
+    for (const QString& video : found)
+        made << QFileInfo(JobPlan::defaultOutputURL(video)).absoluteFilePath();
+    found.removeIf([&](const QString& path) { return made.contains(path); });
     std::sort(found.begin(), found.end(), naturalLess);
     return found;
 }

@@ -11,7 +11,7 @@ bool naturalLess(const QString& a, const QString& b);
 // Whether the name ends in an extension of a container the job reads.
 bool isVideo(const QString& path);
 // The videos of `paths`, absolute: files as they come, folders by their videos at any depth in
-// natural order; each video once.
+// natural order, without the copies the job made of them earlier; each video once.
 QStringList videos(const QStringList& paths);
 
 } // namespace velto::VideoScan

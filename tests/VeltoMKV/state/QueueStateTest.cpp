@@ -121,7 +121,9 @@ TEST(VideoScan, FindsVideosAtAnyDepthInNaturalOrder) {
                                u"notas.txt"_s,
                                u"Extras/B-roll 9.webm"_s,
                                u"Extras/B-roll 10.avi"_s,
-                               u"E01.mkv"_s};
+                               u"E01.mkv"_s,
+                               u"E2.es.mkv"_s,
+                               u"Solo.es.mkv"_s};
     QDir(folder.path()).mkdir(u"Extras"_s);
     for (const QString& file : files)
         MediaFixtures::writeFile(folder.filePath(file), {});
@@ -129,7 +131,8 @@ TEST(VideoScan, FindsVideosAtAnyDepthInNaturalOrder) {
     for (const QString& path : VideoScan::videos({folder.path()}))
         found.append(QDir(folder.path()).relativeFilePath(path));
     EXPECT_EQ(found, (QStringList{u"E01.mkv"_s, u"E2.mkv"_s, u"e3.MP4"_s, u"E10.mkv"_s,
-                                  u"Extras/B-roll 9.webm"_s, u"Extras/B-roll 10.avi"_s}));
+                                  u"Extras/B-roll 9.webm"_s, u"Extras/B-roll 10.avi"_s,
+                                  u"Solo.es.mkv"_s}));
 }
 
 TEST(VideoScan, NaturalOrder) {
