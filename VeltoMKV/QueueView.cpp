@@ -14,8 +14,10 @@
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AppIcon.h"
 #include "VeltoMKV/Confirm.h"
+#include "VeltoMKV/ElidingLabel.h"
 #include "VeltoMKV/EngineLine.h"
 #include "VeltoMKV/Look.h"
+#include "VeltoMKV/OptionsPanel.h"
 #include "VeltoMKV/QueueRowView.h"
 #include "VeltoMKV/state/Format.h"
 #include "VeltoMKV/state/QueueState.h"
@@ -90,6 +92,30 @@ QueueView::QueueView(QueueState& queue, Preferences& preferences, SettingsPresen
     force->addWidget(m_force, 0, Qt::AlignTop);
     column()->addWidget(m_forceRow);
     connect(m_force, &QCheckBox::toggled, &m_queue, &QueueState::setForce);
+
+    // One set of options for the whole list, folded to one line until asked for.
+    auto* optionsRow = new QHBoxLayout();
+    optionsRow->setSpacing(Look::rowGap);
+    m_optionsSummary = new ElidingLabel(this, Qt::ElideRight);
+    m_optionsSummary->setForegroundRole(QPalette::PlaceholderText);
+    optionsRow->addWidget(m_optionsSummary, 1);
+    m_optionsButton = Look::quietButton(QStringLiteral("Cambiar"), this);
+    optionsRow->addWidget(m_optionsButton);
+    column()->addLayout(optionsRow);
+    m_options = new OptionsPanel(preferences, this);
+    m_options->hide();
+    column()->addWidget(m_options);
+    const auto showOptions = [this] {
+        m_optionsSummary->setText(QStringLiteral("Opciones: ") + m_options->summary());
+        m_optionsButton->setText(m_options->isHidden() ? QStringLiteral("Cambiar")
+                                                       : QStringLiteral("Listo"));
+    };
+    connect(m_options, &OptionsPanel::summaryChanged, this, showOptions);
+    connect(m_optionsButton, &QPushButton::clicked, this, [this, showOptions] {
+        m_options->setVisible(m_options->isHidden());
+        showOptions();
+    });
+    showOptions();
 
     m_engine = new EngineLine(preferences, settings, this);
     column()->addWidget(m_engine);
@@ -212,6 +238,9 @@ void QueueView::showQueue() {
         });
     m_forceRow->setVisible(spanish);
     m_force->setEnabled(!running);
+    // The run took its options when it started.
+    m_options->setEnabled(!running);
+    m_optionsButton->setEnabled(!running);
     m_failure->setText(m_queue.failure());
     m_failure->setVisible(!m_queue.failure().isEmpty());
     const QueueSummary summary = m_queue.summary();

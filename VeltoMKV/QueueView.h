@@ -10,14 +10,15 @@ class QVBoxLayout;
 namespace velto {
 
 class EngineLine;
+class OptionsPanel;
 class Preferences;
 class QueueRowView;
 class QueueState;
 class SettingsPresenter;
 
 // The queue's page: one row per video, «Traducir igual» for the whole list when some video
-// already has Spanish, the engine, and at the end what became of each video. It shows the
-// queue's state and calls its actions; the rows run on the state's floor.
+// already has Spanish, the options and the engine, and at the end what became of each video. It
+// shows the queue's state and calls its actions; the rows run on the state's floor.
 class QueueView : public Page {
     Q_OBJECT
 
@@ -56,6 +57,9 @@ private:
     QLabel* m_summaryText;
     QLabel* m_warnings;
     QLabel* m_failure;
+    QLabel* m_optionsSummary;
+    QPushButton* m_optionsButton;
+    OptionsPanel* m_options;
     EngineLine* m_engine;
     QPushButton* m_cancel;
     QPushButton* m_start;
