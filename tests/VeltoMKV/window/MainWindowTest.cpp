@@ -315,7 +315,7 @@ TEST_F(MainWindowTest, OptionsAndEngineLineFollowThePreferences) {
     openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
     JobView* view = window().jobView();
     QTest::mouseClick(view->optionsDisclosure(), Qt::LeftButton);
-    auto* options = window().findChild<OptionsPanel*>();
+    auto* options = view->findChild<OptionsPanel*>();
     ASSERT_TRUE(options && options->isVisible());
 
     QTest::mouseClick(options->stripSDHToggle(), Qt::LeftButton, {},
