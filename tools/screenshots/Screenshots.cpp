@@ -124,6 +124,24 @@ int main(int argc, char** argv) {
         camera.take(window, u"main-finished"_s);
     QFile::remove(state.result() ? state.result()->outputURL : QString());
 
+    // The same with the subtitle file beside the video: the choice, then what was written.
+    shell.preferences().setOutputs(JobOutputs::videoAndSidecar);
+    state.reset();
+    window.openFile(arguments[0]);
+    if (reaches(Phase::Kind::ready)) {
+        window.jobView()->optionsDisclosure()->click();
+        camera.take(window, u"main-ready-sidecar"_s);
+        window.jobView()->optionsDisclosure()->click();
+        window.startJob();
+        if (reaches(Phase::Kind::finished))
+            camera.take(window, u"main-finished-sidecar"_s);
+        if (state.result()) {
+            QFile::remove(state.result()->outputURL);
+            QFile::remove(state.result()->sidecarURL.value_or(QString()));
+        }
+    }
+    shell.preferences().setOutputs(JobOutputs::video);
+
     // Back to the ready page: the settings over it, then an engine that cannot run.
     state.reset();
     window.openFile(arguments[0]);
