@@ -17,8 +17,13 @@ QString readOnlyRemedy(const JobError& refusal, const JobOptions& options, const
     if (options.outputs == JobOutputs::video ||
         QFileInfo(refusal.folder()).absoluteFilePath() != QFileInfo(video).absolutePath())
         return QStringLiteral("Desde la terminal, elegí dónde guardarlo con --output ARCHIVO.");
-    return QStringLiteral("El subtítulo va siempre junto al video original: copiá el video a una "
-                          "carpeta donde se pueda escribir y traducí esa copia.");
+    const QString besides = QStringLiteral("El subtítulo va siempre junto al video original: "
+                                           "copiá el video a una carpeta donde se pueda escribir "
+                                           "y traducí esa copia.");
+    return options.outputs == JobOutputs::sidecarOnly
+               ? besides
+               : besides + QStringLiteral(" Sin --sidecar, el video nuevo puede ir a otra "
+                                          "carpeta con --output ARCHIVO.");
 }
 
 // The way out of a refusal from a terminal, said under the job's sentence.
