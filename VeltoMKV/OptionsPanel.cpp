@@ -92,6 +92,9 @@ OptionsPanel::OptionsPanel(Preferences& preferences, QWidget* parent)
     fields->addWidget(titleLabel, 1, 0);
     fields->addWidget(m_trackTitle, 1, 1);
     m_outputs = new QComboBox(this);
+    // Its longest choice must not widen the panel past what the variant picker needs.
+    m_outputs->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_outputs->setMinimumContentsLength(20);
     for (JobOutputs outputs : allJobOutputs())
         m_outputs->addItem(outputsLabel(outputs), rawValue(outputs));
     auto* outputsCaption = new QLabel(QStringLiteral("Qué guardar"), this);

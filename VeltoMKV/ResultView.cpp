@@ -88,7 +88,7 @@ void ResultView::showSidecar() {
     const bool elsewhere =
         both && sidecar.absolutePath() != QFileInfo(result->outputURL).absolutePath();
     m_sidecar->setVisible(both);
-    m_sidecar->setText(both ? QStringLiteral("Y el subtítulo aparte: ") +
+    m_sidecar->setText(both ? QStringLiteral("Subtítulo aparte: ") +
                                   (elsewhere ? QDir::toNativeSeparators(sidecar.absoluteFilePath())
                                              : sidecar.fileName())
                             : QString());
