@@ -32,7 +32,7 @@ QString running(const QueueRow& row) {
 }
 
 QString done(const QueueRow& row) {
-    QString text = QFileInfo(row.result->outputURL).fileName();
+    QString text = QFileInfo(row.result->written()).fileName();
     const qsizetype warnings = row.result->warnings.size();
     if (warnings > 0)
         text += QStringLiteral(" · ") + Format::count(warnings) +
@@ -207,7 +207,7 @@ void QueueRowView::showAction(const QueueRow& row, bool first, bool last) {
     const bool movable = !row.started();
     m_up->setVisible(movable && !first);
     m_down->setVisible(movable && !last);
-    m_output = row.result ? row.result->outputURL : QString();
+    m_output = row.result ? row.result->written() : QString();
     if (row.state == State::done) {
         m_doing = Action::reveal;
         m_action->setText(QStringLiteral("Mostrar"));

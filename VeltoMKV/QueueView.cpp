@@ -165,9 +165,12 @@ void QueueView::start() {
     }
     QStringList existing;
     for (const QueueRow& row : m_queue.rows()) {
-        if (row.state == QueueRow::State::waiting && row.plan &&
-            QFileInfo::exists(row.plan->output))
-            existing << row.plan->output;
+        if (row.state != QueueRow::State::waiting || !row.plan)
+            continue;
+        for (const QString& file : row.plan->writes()) {
+            if (QFileInfo::exists(file))
+                existing << file;
+        }
     }
     if (!existing.isEmpty() && !Confirm::replaceOutputs(this, existing))
         return;
