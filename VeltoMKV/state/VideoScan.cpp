@@ -91,6 +91,8 @@ QStringList videos(const QStringList& paths) {
                 found.append(video);
         }
     }
+    // An open dialog hands over "E10" before "E2"; a season runs in its own order.
+    std::stable_sort(found.begin(), found.end(), naturalLess);
     return found;
 }
 

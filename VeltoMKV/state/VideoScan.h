@@ -10,8 +10,8 @@ namespace velto::VideoScan {
 bool naturalLess(const QString& a, const QString& b);
 // Whether the name ends in an extension of a container the job reads.
 bool isVideo(const QString& path);
-// The videos of `paths`, absolute: files as they come, folders by their videos at any depth in
-// natural order, without the copies the job made of them earlier; each video once.
+// The videos of `paths`, absolute, in natural order: files as they are, folders by their videos
+// at any depth, without the copies the job made of them earlier; each video once.
 QStringList videos(const QStringList& paths);
 
 } // namespace velto::VideoScan

@@ -127,6 +127,9 @@ TEST(VideoScan, FindsVideosAtAnyDepthInNaturalOrder) {
     QDir(folder.path()).mkdir(u"Extras"_s);
     for (const QString& file : files)
         MediaFixtures::writeFile(folder.filePath(file), {});
+    // Files chosen one by one come in the same order as a folder's.
+    EXPECT_EQ(VideoScan::videos({folder.filePath(u"E10.mkv"_s), folder.filePath(u"E2.mkv"_s)}),
+              (QStringList{folder.filePath(u"E2.mkv"_s), folder.filePath(u"E10.mkv"_s)}));
     QStringList found;
     for (const QString& path : VideoScan::videos({folder.path()}))
         found.append(QDir(folder.path()).relativeFilePath(path));
