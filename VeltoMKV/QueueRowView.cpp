@@ -122,6 +122,7 @@ QueueRowView::QueueRowView(quint64 id, QWidget* parent)
     m_name = new ElidingLabel(this);
     naming->addWidget(m_name, 1);
     m_badge = Look::secondary(QString(), this);
+    m_badge->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     naming->addWidget(m_badge);
     text->addLayout(naming);
     m_track = new QComboBox(this);
@@ -142,21 +143,24 @@ QueueRowView::QueueRowView(quint64 id, QWidget* parent)
     text->addWidget(m_bar);
     row->addLayout(text, 1);
 
-    m_up = arrow(Qt::UpArrow, QStringLiteral("Subir"), this);
-    m_down = arrow(Qt::DownArrow, QStringLiteral("Bajar"), this);
-    m_action = Look::quietButton(QString(), this);
-    // Close together, so a narrow window keeps its room for the name and the track.
-    auto* actions = new QHBoxLayout();
+    // Close together, so a narrow window keeps its room for the name and the track; as wide in
+    // every row whichever buttons show, so the state words of all rows line up.
+    auto* actionsBox = new QWidget(this);
+    auto* actions = new QHBoxLayout(actionsBox);
+    actions->setContentsMargins(0, 0, 0, 0);
     actions->setSpacing(2);
+    m_up = arrow(Qt::UpArrow, QStringLiteral("Subir"), actionsBox);
+    m_down = arrow(Qt::DownArrow, QStringLiteral("Bajar"), actionsBox);
+    m_action = Look::quietButton(QStringLiteral("Reintentar"), actionsBox);
     for (QWidget* button : {static_cast<QWidget*>(m_up), static_cast<QWidget*>(m_down),
                             static_cast<QWidget*>(m_action)}) {
-        // Hidden buttons keep their room, so the rows' pickers line up.
         QSizePolicy policy = button->sizePolicy();
         policy.setRetainSizeWhenHidden(true);
         button->setSizePolicy(policy);
         actions->addWidget(button, 0, Qt::AlignTop);
     }
-    row->addLayout(actions);
+    actionsBox->setFixedWidth(actionsBox->sizeHint().width());
+    row->addWidget(actionsBox, 0, Qt::AlignTop);
 
     connect(m_up, &QToolButton::clicked, this, [this] { emit moveRequested(m_id, -1); });
     connect(m_down, &QToolButton::clicked, this, [this] { emit moveRequested(m_id, 1); });
