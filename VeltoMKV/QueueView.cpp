@@ -216,8 +216,16 @@ void QueueView::rebuildRows() {
 void QueueView::showRow(quint64 id) {
     const QList<QueueRow>& rows = m_queue.rows();
     for (qsizetype at = 0; at < rows.size() && at < m_rowViews.size(); ++at) {
-        if (rows.at(at).id == id)
-            m_rowViews.at(at)->show(rows.at(at), at == 0, at == rows.size() - 1);
+        if (rows.at(at).id != id)
+            continue;
+        m_rowViews.at(at)->show(rows.at(at), at == 0, at == rows.size() - 1);
+        // The list follows the run once per video, when its job starts, and leaves the
+        // scrolling to the user in between.
+        if (rows.at(at).state == QueueRow::State::translating && m_followed != id) {
+            m_followed = id;
+            if (auto* area = findChild<QScrollArea*>())
+                area->ensureWidgetVisible(m_rowViews.at(at), 0, Look::rowGap);
+        }
     }
     showQueue();
 }

@@ -63,6 +63,8 @@ private:
     EngineLine* m_engine;
     QPushButton* m_cancel;
     QPushButton* m_start;
+    // The row whose job the list last scrolled to.
+    quint64 m_followed = 0;
 };
 
 } // namespace velto
