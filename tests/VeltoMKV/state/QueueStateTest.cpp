@@ -60,6 +60,9 @@ TEST_F(QueueStateTest, ASeasonEndsWithEveryVideoDoneOrExplained) {
     work.video(u"E2.mkv"_s, {});
     work.video(u"E3.mkv"_s, {track(u"eng"_s), track(u"spa"_s)});
     MediaFixtures::writeFile(work.path(u"E4.mkv"_s), "not a video at all");
+    auto image = track(u"eng"_s);
+    image.format = MediaFixtures::SubtitleFormat::pgs;
+    work.video(u"E5.mkv"_s, {image});
     work.video(u"E10.mkv"_s, {track(u"eng"_s), track(u"fre"_s)});
     const QString extra = work.video(u"Extra.mkv"_s, {track(u"eng"_s)});
     QStringList season = VideoScan::videos({QFileInfo(extra).path()});
@@ -72,16 +75,19 @@ TEST_F(QueueStateTest, ASeasonEndsWithEveryVideoDoneOrExplained) {
     // A video dropped during the run joins it.
     queue.add({extra}, *work.preferences);
     ASSERT_TRUE(runEnds());
-    EXPECT_EQ(rows(), (QStringList{u"E1.mkv: done"_s,
-                                   u"E2.mkv: skipped "_s + failureText(JobError::noSubtitles()),
-                                   u"E3.mkv: skipped "_s + failureText(JobError::alreadySpanish()),
-                                   u"E4.mkv: failed"_s, u"E10.mkv: done"_s, u"Extra.mkv: done"_s}));
+    EXPECT_EQ(
+        rows(),
+        (QStringList{
+            u"E1.mkv: done"_s, u"E2.mkv: skipped "_s + failureText(JobError::noSubtitles()),
+            u"E3.mkv: skipped "_s + failureText(JobError::alreadySpanish()), u"E4.mkv: failed"_s,
+            u"E5.mkv: skipped "_s + failureText(JobError::bitmapOnly({u"hdmv_pgs_subtitle"_s})),
+            u"E10.mkv: done"_s, u"Extra.mkv: done"_s}));
     EXPECT_FALSE(queue.rows().at(3).message.isEmpty());
-    EXPECT_EQ(queue.rows().at(4).plan->track->index, 3);
+    EXPECT_EQ(queue.rows().at(5).plan->track->index, 3);
     EXPECT_EQ(queue.summary().done, 3);
-    EXPECT_EQ(work.entries(),
-              (QStringList{u"E1.es.mkv"_s, u"E1.mkv"_s, u"E10.es.mkv"_s, u"E10.mkv"_s, u"E2.mkv"_s,
-                           u"E3.mkv"_s, u"E4.mkv"_s, u"Extra.es.mkv"_s, u"Extra.mkv"_s}));
+    EXPECT_EQ(work.entries(), (QStringList{u"E1.es.mkv"_s, u"E1.mkv"_s, u"E10.es.mkv"_s,
+                                           u"E10.mkv"_s, u"E2.mkv"_s, u"E3.mkv"_s, u"E4.mkv"_s,
+                                           u"E5.mkv"_s, u"Extra.es.mkv"_s, u"Extra.mkv"_s}));
 
     // «Traducir igual» takes back the skip, and a new start runs only that video.
     queue.setForce(true);
@@ -89,7 +95,7 @@ TEST_F(QueueStateTest, ASeasonEndsWithEveryVideoDoneOrExplained) {
     queue.start(*work.preferences);
     ASSERT_TRUE(runEnds());
     EXPECT_EQ(queue.rows().at(2).state, State::done);
-    EXPECT_EQ(work.entries().size(), 10);
+    EXPECT_EQ(work.entries().size(), 11);
 }
 
 TEST_F(QueueStateTest, CancelStopsTheRunAndARowCanBeRetriedAlone) {
