@@ -1,8 +1,10 @@
 #include "VeltoMKV/QueueAnnouncer.h"
 
+#include <QFileInfo>
 #include <QWidget>
 
 #include "VeltoMKV/DesktopSession.h"
+#include "VeltoMKV/state/Format.h"
 #include "VeltoMKV/state/QueueState.h"
 
 namespace velto {
@@ -14,6 +16,20 @@ QueueAnnouncer::QueueAnnouncer(QueueState& queue, QWidget& window, DesktopSessio
     , m_session(session) {
     connect(&m_queue, &QueueState::runningChanged, this, &QueueAnnouncer::runningChanged);
     connect(&m_queue, &QueueState::finished, this, &QueueAnnouncer::finished);
+    connect(&m_queue, &QueueState::rowChanged, this, &QueueAnnouncer::showTitle);
+}
+
+void QueueAnnouncer::showTitle() {
+    // Like a single job's, the title carries the running video's percentage, and its name.
+    for (const QueueRow& row : m_queue.rows()) {
+        if (row.state == QueueRow::State::translating && row.progress.progress) {
+            m_window.setWindowTitle(Format::percent(*row.progress.progress) +
+                                    QStringLiteral(" · ") + QFileInfo(row.source).fileName() +
+                                    QStringLiteral(" · VeltoMKV"));
+            return;
+        }
+    }
+    m_window.setWindowTitle(QStringLiteral("VeltoMKV"));
 }
 
 void QueueAnnouncer::runningChanged() {
@@ -23,6 +39,7 @@ void QueueAnnouncer::runningChanged() {
     if (!running && m_running)
         m_session.allowSleep();
     m_running = running;
+    showTitle();
 }
 
 void QueueAnnouncer::finished() {
