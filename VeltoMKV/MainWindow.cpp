@@ -4,7 +4,6 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -13,16 +12,15 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include "VeltoKit/platform/PlatformText.h"
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AnalyzingView.h"
+#include "VeltoMKV/AppHelp.h"
 #include "VeltoMKV/AppIcon.h"
 #include "VeltoMKV/Confirm.h"
 #include "VeltoMKV/DesktopSession.h"
@@ -128,9 +126,10 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     quit->setShortcut(QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
     QMenu* helpMenu = menuBar()->addMenu(QStringLiteral("Ay&uda"));
-    helpMenu->addAction(QStringLiteral("Ayuda de VeltoMKV"), this, &MainWindow::showHelp);
-    QAction* about =
-        helpMenu->addAction(QStringLiteral("Acerca de VeltoMKV"), this, &MainWindow::showAbout);
+    helpMenu->addAction(QStringLiteral("Ayuda de VeltoMKV"), this,
+                        [this] { AppHelp::showHelp(this); });
+    QAction* about = helpMenu->addAction(QStringLiteral("Acerca de VeltoMKV"), this,
+                                         [this] { AppHelp::showAbout(this); });
     about->setMenuRole(QAction::AboutRole);
 
     // Return is the phase's main button, Escape stops a running job.
@@ -316,34 +315,6 @@ void MainWindow::presentSettings(bool presented) {
                 [this] { m_settings.setPresented(false); });
     }
     m_settingsDialog->present();
-}
-
-void MainWindow::showHelp() {
-    QMessageBox help(this);
-    help.setWindowTitle(QStringLiteral("Ayuda de VeltoMKV"));
-    help.setIconPixmap(appIcon().pixmap(64, 64));
-    help.setTextFormat(Qt::RichText);
-    help.setText(
-        QStringLiteral(
-            "<p><b>Ayuda de VeltoMKV</b></p>"
-            "<p>Arrastrá un video a la ventana o elegilo con «Elegir archivo…». VeltoMKV busca la "
-            "pista de subtítulos, la traduce al español con el motor que elijas y guarda una copia "
-            "del video con la pista nueva al lado del original, que nunca se toca.</p>"
-            "<p>Necesitás ffmpeg: instalalo con «") +
-        PlatformText::installFfmpeg() +
-        QStringLiteral("» o bajalo de <a href=\"https://ffmpeg.org/download.html\">"
-                       "ffmpeg.org</a>.</p>"));
-    help.setTextInteractionFlags(Qt::TextBrowserInteraction);
-    help.exec();
-}
-
-void MainWindow::showAbout() {
-    QMessageBox::about(
-        this, QStringLiteral("Acerca de VeltoMKV"),
-        QStringLiteral("<p><b>VeltoMKV</b></p><p>Versión ") +
-            QCoreApplication::applicationVersion() +
-            QStringLiteral("</p><p>Agrega a tus videos una pista de subtítulos en español, "
-                           "traducida con el motor que elijas.</p>"));
 }
 
 void MainWindow::returnPressed() {

@@ -63,8 +63,6 @@ private:
     void showFfmpegStatus();
     void takePendingFile();
     void presentSettings(bool presented);
-    void showHelp();
-    void showAbout();
     void returnPressed();
     bool acceptsFiles() const;
     bool showsQueue() const;
