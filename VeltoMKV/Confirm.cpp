@@ -33,6 +33,18 @@ bool replaceOutput(QWidget* parent, const QString& output) {
                QStringLiteral("Reemplazar"), QStringLiteral("Cancelar"));
 }
 
+bool replaceOutputs(QWidget* parent, const QStringList& outputs) {
+    if (outputs.size() == 1)
+        return replaceOutput(parent, outputs.first());
+    return ask(parent,
+               QStringLiteral("Ya existen ") + QString::number(outputs.size()) +
+                   QStringLiteral(" de los archivos que voy a escribir. ¿Los reemplazo?"),
+               QStringLiteral("Por ejemplo «") + QFileInfo(outputs.first()).fileName() +
+                   QStringLiteral("». Si los reemplazo, se pierden; los videos originales no se "
+                                  "tocan."),
+               QStringLiteral("Reemplazar"), QStringLiteral("Cancelar"));
+}
+
 bool quitDuringJob(QWidget* parent) {
     return ask(parent, QStringLiteral("Todavía estoy traduciendo. ¿Salgo igual?"),
                QStringLiteral("Si salís, el trabajo se cancela y no queda ningún archivo a medias. "

@@ -98,21 +98,26 @@ void DropZone::addBelow(QWidget* widget) {
     m_column->addWidget(widget);
 }
 
-std::optional<QString> DropZone::droppedFile(const QMimeData* data) {
+QStringList DropZone::droppedFiles(const QMimeData* data) {
     if (!data || !data->hasUrls())
-        return std::nullopt;
-    const QList<QUrl> urls = data->urls();
-    if (urls.size() != 1 || !urls.first().isLocalFile())
-        return std::nullopt;
-    return urls.first().toLocalFile();
+        return {};
+    QStringList files;
+    for (const QUrl& url : data->urls()) {
+        if (!url.isLocalFile())
+            return {};
+        files.append(url.toLocalFile());
+    }
+    return files;
 }
 
 QString DropZone::refusal(const QMimeData* data) {
-    if (droppedFile(data))
+    if (!droppedFiles(data).isEmpty())
         return QString();
-    if (data && data->hasUrls() && data->urls().size() > 1)
-        return QStringLiteral("Soltá un solo video por vez.");
     return QStringLiteral("Eso no es un archivo: soltá un video.");
+}
+
+void DropZone::showRefusal(const QString& text) {
+    m_refusal->setText(text);
 }
 
 QString DropZone::refusalText() const {
@@ -136,15 +141,15 @@ void DropZone::dragLeaveEvent(QDragLeaveEvent*) {
 
 void DropZone::dropEvent(QDropEvent* event) {
     setHovering(false);
-    const std::optional<QString> file = droppedFile(event->mimeData());
-    if (!file) {
+    const QStringList files = droppedFiles(event->mimeData());
+    if (files.isEmpty()) {
         m_refusal->setText(refusal(event->mimeData()));
         event->ignore();
         return;
     }
     m_refusal->clear();
     event->acceptProposedAction();
-    emit fileDropped(*file);
+    emit filesDropped(files);
 }
 
 void DropZone::setHovering(bool hovering) {

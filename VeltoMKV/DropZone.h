@@ -1,8 +1,7 @@
 #pragma once
 
-#include <optional>
-
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 
 class QLabel;
@@ -14,17 +13,17 @@ namespace velto {
 
 class DropTarget;
 
-// The idle page: a large target for one video file, with a button for those who would rather
-// pick it from a dialog, in a column that scrolls when the window is smaller than its content.
-// Refusals show as a quiet line inside the zone, never as a dialog.
+// The idle page: a large target for a video file (or several, or a folder), with a button for those
+// who would rather pick it from a dialog, in a column that scrolls when the window is smaller than
+// its content. Refusals show as a quiet line inside the zone, never as a dialog.
 class DropZone : public QWidget {
     Q_OBJECT
 
 public:
     explicit DropZone(QWidget* parent = nullptr);
 
-    // The one local file that `data` carries, if it carries exactly that.
-    static std::optional<QString> droppedFile(const QMimeData* data);
+    // The local files and folders that `data` carries; empty unless it carries only those.
+    static QStringList droppedFiles(const QMimeData* data);
     // Why `data` is refused, in the user's words; empty when it is accepted.
     static QString refusal(const QMimeData* data);
 
@@ -32,9 +31,10 @@ public:
     // Puts `widget` under the target, in the same scrolling column.
     void addBelow(QWidget* widget);
     QString refusalText() const;
+    void showRefusal(const QString& text);
 
 signals:
-    void fileDropped(const QString& path);
+    void filesDropped(const QStringList& paths);
     void chooseRequested();
 
 protected:

@@ -28,26 +28,6 @@ namespace {
 
 constexpr int trackIndexRole = Qt::UserRole;
 
-// "#3  inglés  «English»  ·  SDH · 1.502 subt."; image tracks say they need OCR.
-QString describe(const SubtitleTrack& track) {
-    QString text =
-        u'#' + QString::number(track.index) + QStringLiteral("  ") + track.languageName();
-    if (!track.title.isEmpty())
-        text += QStringLiteral("  «") + track.title + u'»';
-    QStringList notes;
-    for (const QString& flag : track.flags()) {
-        if (flag != QStringLiteral("imagen"))
-            notes << flag;
-    }
-    if (track.isBitmap())
-        notes << QStringLiteral("imagen, necesita OCR");
-    else if (track.frameCount)
-        notes << Format::count(*track.frameCount) + QStringLiteral(" subt.");
-    if (!notes.isEmpty())
-        text += QStringLiteral("   ·   ") + notes.join(QStringLiteral(" · "));
-    return text;
-}
-
 QString trackCount(qsizetype count) {
     return count == 1 ? QStringLiteral("1 pista de subtítulos")
                       : QString::number(count) + QStringLiteral(" pistas de subtítulos");
@@ -186,7 +166,7 @@ void JobView::showTracks() {
     setSubtitle(Format::duration(info->duration) + QStringLiteral(" · ") +
                 trackCount(info->tracks.size()));
     for (const SubtitleTrack& track : info->tracks) {
-        auto* item = new QListWidgetItem(describe(track), m_tracks);
+        auto* item = new QListWidgetItem(Format::track(track), m_tracks);
         item->setData(trackIndexRole, track.index);
         item->setSizeHint(QSize(0, rowHeight()));
         if (track.isBitmap())

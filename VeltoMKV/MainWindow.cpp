@@ -4,7 +4,6 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -13,16 +12,15 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include "VeltoKit/platform/PlatformText.h"
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AnalyzingView.h"
+#include "VeltoMKV/AppHelp.h"
 #include "VeltoMKV/AppIcon.h"
 #include "VeltoMKV/Confirm.h"
 #include "VeltoMKV/DesktopSession.h"
@@ -35,12 +33,16 @@
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/OpenFileRelay.h"
 #include "VeltoMKV/ProgressView.h"
+#include "VeltoMKV/QueueAnnouncer.h"
+#include "VeltoMKV/QueueView.h"
 #include "VeltoMKV/ResultView.h"
 #include "VeltoMKV/ScreenFit.h"
 #include "VeltoMKV/SettingsDialog.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
 #include "VeltoMKV/state/CurrentPlan.h"
+#include "VeltoMKV/state/QueueState.h"
+#include "VeltoMKV/state/VideoScan.h"
 
 namespace velto {
 
@@ -81,6 +83,10 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
           static_cast<QWidget*>(m_jobView), static_cast<QWidget*>(m_progressView),
           static_cast<QWidget*>(m_resultView), static_cast<QWidget*>(m_failureView)})
         m_pages->addWidget(page);
+    // After them, the queue: it shows whenever it holds videos, whatever the phase.
+    m_queue = new QueueState({}, this);
+    m_queueView = new QueueView(*m_queue, m_preferences, m_settings, m_pages);
+    m_pages->addWidget(m_queueView);
     columnLayout->addWidget(m_pages, 1);
 
     m_ffmpegRow = new QWidget(column);
@@ -97,7 +103,10 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     m_dropZone->addBelow(m_startEngine);
     setCentralWidget(central);
 
-    connect(m_dropZone, &DropZone::fileDropped, this, &MainWindow::openFile);
+    connect(m_dropZone, &DropZone::filesDropped, this, &MainWindow::openFiles);
+    connect(m_queueView, &QueueView::revealRequested, this, &FileBrowser::reveal);
+    connect(m_queue, &QueueState::rowsChanged, this, &MainWindow::showPhase);
+    connect(m_queue, &QueueState::runningChanged, this, &MainWindow::showPhase);
     connect(m_dropZone, &DropZone::chooseRequested, this, &MainWindow::chooseFile);
     connect(m_jobView, &JobView::startRequested, this, &MainWindow::startJob);
     connect(m_resultView, &ResultView::revealRequested, this, &FileBrowser::reveal);
@@ -117,9 +126,10 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     quit->setShortcut(QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
     QMenu* helpMenu = menuBar()->addMenu(QStringLiteral("Ay&uda"));
-    helpMenu->addAction(QStringLiteral("Ayuda de VeltoMKV"), this, &MainWindow::showHelp);
-    QAction* about =
-        helpMenu->addAction(QStringLiteral("Acerca de VeltoMKV"), this, &MainWindow::showAbout);
+    helpMenu->addAction(QStringLiteral("Ayuda de VeltoMKV"), this,
+                        [this] { AppHelp::showHelp(this); });
+    QAction* about = helpMenu->addAction(QStringLiteral("Acerca de VeltoMKV"), this,
+                                         [this] { AppHelp::showAbout(this); });
     about->setMenuRole(QAction::AboutRole);
 
     // Return is the phase's main button, Escape stops a running job.
@@ -131,6 +141,8 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     connect(escape, &QShortcut::activated, this, [this] {
         if (m_state.phase().kind() == Phase::Kind::working)
             m_state.cancel();
+        if (showsQueue())
+            m_queue->cancel();
     });
 
     connect(&m_state, &AppState::phaseChanged, this, &MainWindow::showPhase);
@@ -141,7 +153,9 @@ MainWindow::MainWindow(AppState& state, Preferences& preferences, SettingsPresen
     connect(&m_preferences, &Preferences::ffmpegDirectoryChanged, this,
             [this] { m_state.checkTools(m_preferences); });
     // The title, the computer's sleep and the notification follow the job from outside the page.
-    new JobAnnouncer(m_state, *this, *new DesktopSession(this));
+    auto* session = new DesktopSession(this);
+    new JobAnnouncer(m_state, *this, *session);
+    new QueueAnnouncer(*m_queue, *this, *session);
 
     const QSize remembered = m_preferences.windowSize();
     ScreenFit::apply(this, remembered.isValid() ? remembered : QSize(640, 560), QSize(520, 460));
@@ -160,14 +174,32 @@ void MainWindow::openFile(const QString& path) {
     m_state.load(QFileInfo(path).absoluteFilePath(), m_preferences);
 }
 
+void MainWindow::openFiles(const QStringList& paths) {
+    if (!acceptsFiles() || paths.isEmpty())
+        return;
+    if (paths.size() == 1 && !QFileInfo(paths.first()).isDir() && !showsQueue()) {
+        openFile(paths.first());
+        return;
+    }
+    const QStringList videos = VideoScan::videos(paths);
+    if (videos.isEmpty()) {
+        m_dropZone->showRefusal(QStringLiteral("No encontré videos ahí."));
+        return;
+    }
+    m_dropZone->showRefusal({});
+    m_preferences.setLastFolder(QFileInfo(videos.first()).absolutePath());
+    if (!showsQueue())
+        m_state.reset();
+    m_queue->add(videos, m_preferences);
+}
+
 void MainWindow::chooseFile() {
     if (!acceptsFiles())
         return;
-    const QString path = QFileDialog::getOpenFileName(
+    const QStringList paths = QFileDialog::getOpenFileNames(
         this, QStringLiteral("Elegí el archivo de video"), startFolder(),
         QStringLiteral("Videos (*.mkv *.mp4 *.mov *.m4v *.webm *.avi);;Todos los archivos (*)"));
-    if (!path.isEmpty())
-        openFile(path);
+    openFiles(paths);
 }
 
 QString MainWindow::startFolder() const {
@@ -203,8 +235,16 @@ void MainWindow::retry() {
 
 void MainWindow::showPhase() {
     const Phase::Kind kind = m_state.phase().kind();
-    m_pages->setCurrentIndex(static_cast<int>(kind));
     m_openAction->setEnabled(acceptsFiles());
+    if (showsQueue()) {
+        if (m_pages->currentWidget() != m_queueView) {
+            m_pages->setCurrentWidget(m_queueView);
+            m_queueView->refreshEngine();
+            m_queueView->startButton()->setFocus();
+        }
+        return;
+    }
+    m_pages->setCurrentIndex(static_cast<int>(kind));
     if (m_state.sourceURL())
         m_preferences.setLastFolder(QFileInfo(*m_state.sourceURL()).absolutePath());
     if (kind == Phase::Kind::working)
@@ -260,7 +300,7 @@ void MainWindow::takePendingFile() {
     if (!acceptsFiles() || !m_relay.pending())
         return;
     if (const std::optional<QString> path = m_relay.take())
-        openFile(*path);
+        openFiles({*path});
 }
 
 void MainWindow::presentSettings(bool presented) {
@@ -277,35 +317,11 @@ void MainWindow::presentSettings(bool presented) {
     m_settingsDialog->present();
 }
 
-void MainWindow::showHelp() {
-    QMessageBox help(this);
-    help.setWindowTitle(QStringLiteral("Ayuda de VeltoMKV"));
-    help.setIconPixmap(appIcon().pixmap(64, 64));
-    help.setTextFormat(Qt::RichText);
-    help.setText(
-        QStringLiteral(
-            "<p><b>Ayuda de VeltoMKV</b></p>"
-            "<p>Arrastrá un video a la ventana o elegilo con «Elegir archivo…». VeltoMKV busca la "
-            "pista de subtítulos, la traduce al español con el motor que elijas y guarda una copia "
-            "del video con la pista nueva al lado del original, que nunca se toca.</p>"
-            "<p>Necesitás ffmpeg: instalalo con «") +
-        PlatformText::installFfmpeg() +
-        QStringLiteral("» o bajalo de <a href=\"https://ffmpeg.org/download.html\">"
-                       "ffmpeg.org</a>.</p>"));
-    help.setTextInteractionFlags(Qt::TextBrowserInteraction);
-    help.exec();
-}
-
-void MainWindow::showAbout() {
-    QMessageBox::about(
-        this, QStringLiteral("Acerca de VeltoMKV"),
-        QStringLiteral("<p><b>VeltoMKV</b></p><p>Versión ") +
-            QCoreApplication::applicationVersion() +
-            QStringLiteral("</p><p>Agrega a tus videos una pista de subtítulos en español, "
-                           "traducida con el motor que elijas.</p>"));
-}
-
 void MainWindow::returnPressed() {
+    if (showsQueue()) {
+        m_queueView->start();
+        return;
+    }
     switch (m_state.phase().kind()) {
     case Phase::Kind::idle:
         chooseFile();
@@ -331,6 +347,10 @@ bool MainWindow::acceptsFiles() const {
     return m_state.phase().kind() != Phase::Kind::working;
 }
 
+bool MainWindow::showsQueue() const {
+    return !m_queue->rows().isEmpty();
+}
+
 void MainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     // Style sheets resolve palette colours once; a switch to dark mode must resolve them again.
@@ -344,10 +364,12 @@ void MainWindow::changeEvent(QEvent* event) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (m_state.hasTask() && !Confirm::quitDuringJob(this)) {
+    const bool busy = m_state.hasTask() || m_queue->isRunning();
+    if (busy && !Confirm::quitDuringJob(this)) {
         event->ignore();
         return;
     }
+    m_queue->cancel();
     // The job stops at its next suspension point and removes its unfinished output as it leaves.
     if (m_state.hasTask())
         m_state.cancel();
@@ -356,20 +378,20 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (acceptsFiles() && DropZone::droppedFile(event->mimeData()))
+    if (acceptsFiles() && !DropZone::droppedFiles(event->mimeData()).isEmpty())
         event->acceptProposedAction();
     else
         event->ignore();
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
-    const std::optional<QString> file = DropZone::droppedFile(event->mimeData());
-    if (!acceptsFiles() || !file) {
+    const QStringList files = DropZone::droppedFiles(event->mimeData());
+    if (!acceptsFiles() || files.isEmpty()) {
         event->ignore();
         return;
     }
     event->acceptProposedAction();
-    openFile(*file);
+    openFiles(files);
 }
 
 } // namespace velto

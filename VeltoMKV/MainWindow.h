@@ -18,6 +18,8 @@ class JobView;
 class OpenFileRelay;
 class Preferences;
 class ProgressView;
+class QueueState;
+class QueueView;
 class ResultView;
 class SettingsPresenter;
 
@@ -35,11 +37,16 @@ public:
     ProgressView* progressView() const { return m_progressView; }
     ResultView* resultView() const { return m_resultView; }
     FailureView* failureView() const { return m_failureView; }
+    QueueView* queueView() const { return m_queueView; }
+    QueueState& queueState() const { return *m_queue; }
     QWidget* currentPage() const;
     QLabel* ffmpegWarning() const { return m_ffmpegText; }
     EngineLine* startEngine() const { return m_startEngine; }
 
     void openFile(const QString& path);
+    // One video opens as before; several, or a folder, go to the queue (and join it while it
+    // shows).
+    void openFiles(const QStringList& paths);
     void chooseFile();
     void startJob();
     // Runs the failed job again as it was set up, or reads the file again if it never was.
@@ -56,10 +63,9 @@ private:
     void showFfmpegStatus();
     void takePendingFile();
     void presentSettings(bool presented);
-    void showHelp();
-    void showAbout();
     void returnPressed();
     bool acceptsFiles() const;
+    bool showsQueue() const;
     // The folder of the last video opened, or the home folder.
     QString startFolder() const;
 
@@ -74,6 +80,8 @@ private:
     ProgressView* m_progressView;
     ResultView* m_resultView;
     FailureView* m_failureView;
+    QueueState* m_queue;
+    QueueView* m_queueView;
     QWidget* m_ffmpegRow;
     QLabel* m_ffmpegText;
     QAction* m_openAction;

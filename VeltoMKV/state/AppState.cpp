@@ -7,18 +7,12 @@
 #include "VeltoKit/job/JobError.h"
 #include "VeltoKit/job/JobPlan.h"
 #include "VeltoKit/job/TranslationJob.h"
-#include "VeltoKit/platform/PlatformText.h"
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoKit/translation/TranslationBackend.h"
 #include "VeltoMKV/state/FailureText.h"
 
 namespace velto {
 namespace {
-
-QString missingFfmpeg() {
-    return QStringLiteral("No encuentro ffmpeg. Instalalo con «") + PlatformText::installFfmpeg() +
-           QStringLiteral("» o indicá su carpeta en Ajustes.");
-}
 
 std::optional<QString> folder(const QString& directory) {
     if (directory.isEmpty())
@@ -44,7 +38,7 @@ void AppState::checkTools(const Preferences& preferences) {
             const std::optional<FFmpeg> tools = locate(directory);
             post([this, check, tools] {
                 if (check == m_toolCheck)
-                    toolsFound(tools, missingFfmpeg());
+                    toolsFound(tools, missingFfmpegText());
             });
             if (!tools)
                 return;
@@ -87,7 +81,7 @@ void AppState::load(const QString& url, const Preferences& preferences) {
     setPhase(Phase::inspecting());
 
     const std::optional<QString> directory = folder(preferences.ffmpegDirectory());
-    const QString hint = missingFfmpeg();
+    const QString hint = missingFfmpegText();
     const JobOptions options = preferences.makeJobOptions({}, {}, false);
     m_probe = m_tasks.launch([this, run, url, directory, hint, options,
                               locate = m_locate](std::stop_token stop, const auto& post) {

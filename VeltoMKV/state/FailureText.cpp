@@ -2,6 +2,7 @@
 
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/job/JobError.h"
+#include "VeltoKit/platform/PlatformText.h"
 
 namespace velto {
 namespace {
@@ -25,6 +26,11 @@ QString failureText(const std::exception& error) {
     const auto* refusal = dynamic_cast<const JobError*>(&error);
     const QString way = refusal ? remedy(*refusal) : QString();
     return way.isEmpty() ? sentence : sentence + u' ' + way;
+}
+
+QString missingFfmpegText() {
+    return QStringLiteral("No encuentro ffmpeg. Instalalo con «") + PlatformText::installFfmpeg() +
+           QStringLiteral("» o indicá su carpeta en Ajustes.");
 }
 
 } // namespace velto

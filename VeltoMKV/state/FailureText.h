@@ -10,4 +10,7 @@ namespace velto {
 // control of the window undoes, by which control that is.
 QString failureText(const std::exception& error);
 
+// What the window says while ffmpeg cannot be found.
+QString missingFfmpegText();
+
 } // namespace velto

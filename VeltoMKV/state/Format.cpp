@@ -4,6 +4,7 @@
 
 #include <QtGlobal>
 
+#include "VeltoKit/media/SubtitleTrack.h"
 #include "VeltoKit/translation/TranslationProgress.h"
 
 namespace velto::Format {
@@ -73,6 +74,25 @@ QString timeLeft(double seconds) {
         QStringLiteral("faltan ~") + QString::number(minutes / 60) + QStringLiteral(" h");
     if (minutes % 60 != 0)
         text += u' ' + QString::number(minutes % 60) + QStringLiteral(" min");
+    return text;
+}
+
+QString track(const SubtitleTrack& subtitle) {
+    QString text =
+        u'#' + QString::number(subtitle.index) + QStringLiteral("  ") + subtitle.languageName();
+    if (!subtitle.title.isEmpty())
+        text += QStringLiteral("  «") + subtitle.title + u'»';
+    QStringList notes;
+    for (const QString& flag : subtitle.flags()) {
+        if (flag != QStringLiteral("imagen"))
+            notes << flag;
+    }
+    if (subtitle.isBitmap())
+        notes << QStringLiteral("imagen, necesita OCR");
+    else if (subtitle.frameCount)
+        notes << count(*subtitle.frameCount) + QStringLiteral(" subt.");
+    if (!notes.isEmpty())
+        text += QStringLiteral("   ·   ") + notes.join(QStringLiteral(" · "));
     return text;
 }
 

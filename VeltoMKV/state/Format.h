@@ -5,8 +5,9 @@
 #include <QString>
 
 namespace velto {
+struct SubtitleTrack;
 struct TranslationProgress;
-}
+} // namespace velto
 
 namespace velto::Format {
 
@@ -23,5 +24,8 @@ QString counts(const TranslationProgress& progress);
 QString percent(double fraction);
 // "falta menos de un minuto", "faltan ~3 min", "faltan ~1 h 20 min".
 QString timeLeft(double seconds);
+
+// "#3  inglés  «English»   ·   SDH · 1.502 subt."; image tracks say they need OCR.
+QString track(const SubtitleTrack& track);
 
 } // namespace velto::Format

@@ -16,9 +16,11 @@
 #include "VeltoMKV/AppShell.h"
 #include "VeltoMKV/JobView.h"
 #include "VeltoMKV/MainWindow.h"
+#include "VeltoMKV/QueueView.h"
 #include "VeltoMKV/SettingsDialog.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
+#include "VeltoMKV/state/QueueState.h"
 
 using namespace velto;
 using namespace Qt::StringLiterals;
@@ -175,5 +177,30 @@ int main(int argc, char** argv) {
         camera.take(window, u"main-failed"_s);
     else
         qCritical("%s", qPrintable(state.phase().message()));
+
+    // A folder of episodes: copies of the video, and one that is no video.
+    const QTemporaryDir scratch;
+    const QDir season(scratch.filePath(u"Temporada 1"_s));
+    season.mkpath(u"."_s);
+    for (int episode = 1; episode <= 3; ++episode)
+        QFile::copy(arguments[0], season.filePath(u"Capítulo %1.mkv"_s.arg(episode)));
+    QFile::copy(notAVideo, season.filePath(u"Capítulo 4.mkv"_s));
+    shell.preferences().setProviderIDStorage(u"echo"_s);
+    state.reset();
+    window.openFiles({season.path()});
+    QueueState& queue = window.queueState();
+    (void)QTest::qWaitFor([&] { return queue.backgroundTasks() == 0 && queue.runnable() == 3; },
+                          patience);
+    camera.take(window, u"queue-ready"_s);
+    bool running = false;
+    QObject::connect(&queue, &QueueState::rowChanged, &window, [&](quint64 id) {
+        const QueueRow* row = queue.row(id);
+        if (!running && row && row->state == QueueRow::State::translating &&
+            row->progress.translation)
+            running = camera.take(window, u"queue-running"_s);
+    });
+    window.queueView()->start();
+    (void)QTest::qWaitFor([&] { return !queue.isRunning(); }, patience);
+    camera.take(window, u"queue-finished"_s);
     return camera.ok() ? 0 : 1;
 }

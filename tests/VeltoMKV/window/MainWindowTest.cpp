@@ -294,13 +294,14 @@ TEST_F(MainWindowTest, ASecondFileDroppedOnTheReadyWindowReplacesTheFirst) {
     EXPECT_FALSE(view->forceToggle()->isChecked());
 }
 
-TEST_F(MainWindowTest, DropsOfAnythingButOneFileAreRefusedQuietly) {
+TEST_F(MainWindowTest, DropsOfAnythingButFilesAreRefusedQuietly) {
     const QString a = work.video(u"A.mkv"_s, {track(u"eng"_s)});
     const struct {
         QList<QUrl> urls;
         QString refusal;
     } cases[] = {
-        {{QUrl::fromLocalFile(a), QUrl::fromLocalFile(a)}, u"Soltá un solo video por vez."_s},
+        {{QUrl::fromLocalFile(a), QUrl(u"https://example.com/b.mkv"_s)},
+         u"Eso no es un archivo: soltá un video."_s},
         {{QUrl(u"https://example.com/video.mkv"_s)}, u"Eso no es un archivo: soltá un video."_s},
     };
     for (const auto& c : cases) {
@@ -314,7 +315,7 @@ TEST_F(MainWindowTest, OptionsAndEngineLineFollowThePreferences) {
     openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
     JobView* view = window().jobView();
     QTest::mouseClick(view->optionsDisclosure(), Qt::LeftButton);
-    auto* options = window().findChild<OptionsPanel*>();
+    auto* options = view->findChild<OptionsPanel*>();
     ASSERT_TRUE(options && options->isVisible());
 
     QTest::mouseClick(options->stripSDHToggle(), Qt::LeftButton, {},
