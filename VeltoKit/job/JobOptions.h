@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include "VeltoKit/translation/Glossary.h"
 #include "VeltoKit/translation/SpanishVariant.h"
 
 namespace velto {
@@ -29,6 +30,8 @@ struct JobOptions {
     std::optional<qint64> forcedTrackIndex;
     // Translate even when the file already has full Spanish subtitles.
     bool force = false;
+    // Names and terms; absent: the list file in the source's folder, when there is one.
+    std::optional<Glossary> glossary;
 };
 
 } // namespace velto
