@@ -3,6 +3,7 @@
 #include "VeltoKit/job/JobPlan.h"
 #include "VeltoKit/job/WorkingDirectory.h"
 #include "VeltoKit/media/FFmpeg.h"
+#include "VeltoKit/subtitles/AssDocument.h"
 #include "VeltoKit/subtitles/SubtitleDocument.h"
 #include "VeltoKit/subtitles/Subtitles.h"
 #include "VeltoKit/translation/NameCandidates.h"
@@ -17,7 +18,9 @@ QStringList of(const FFmpeg& ffmpeg, const QString& source, const MediaInfo& inf
         throw plan.refusal.value_or(JobError::noSubtitles());
     const WorkingDirectory work;
     const QString path = ffmpeg.extract(*plan.track, source, work.path(), stop);
-    return NameCandidates::find(Subtitles::load(path, plan.track->codec)->texts());
+    const std::shared_ptr<SubtitleDocument> document = Subtitles::load(path, plan.track->codec);
+    const auto* ass = dynamic_cast<const AssDocument*>(document.get());
+    return NameCandidates::find(document->texts(), ass ? ass->actorNames() : QStringList());
 }
 
 QStringList of(const FFmpeg& ffmpeg, const QString& source, const JobOptions& options,

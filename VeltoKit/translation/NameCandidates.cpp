@@ -101,6 +101,11 @@ public:
         return names;
     }
 
+    void speaker(const QString& name) {
+        if (!name.isEmpty() && !notNames().contains(name))
+            ++m_labels[name];
+    }
+
 private:
     // "JOHN: Get down!" names John, written as dialogue would write him.
     void label(QStringView line) {
@@ -205,10 +210,12 @@ private:
 
 } // namespace
 
-QStringList find(const QStringList& texts) {
+QStringList find(const QStringList& texts, const QStringList& speakers) {
     Collector collector;
     for (const QString& text : texts)
         collector.cue(text);
+    for (const QString& speaker : speakers)
+        collector.speaker(speaker);
     return collector.candidates();
 }
 

@@ -11,9 +11,10 @@ namespace velto {
 // and the like, which Spanish writes its own way, are left out.
 namespace NameCandidates {
 
-// `texts` are cue texts as a document gives them (tags and placeholders are looked through).
+// `texts` are cue texts as a document gives them (tags and placeholders are looked through);
+// `speakers` the names an ASS script gives its dialogue lines, any number, empty ones ignored.
 // The most frequent first; ties in alphabetical order.
-QStringList find(const QStringList& texts);
+QStringList find(const QStringList& texts, const QStringList& speakers = {});
 
 } // namespace NameCandidates
 } // namespace velto

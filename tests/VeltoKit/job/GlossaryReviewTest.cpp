@@ -44,7 +44,8 @@ TEST(GlossaryReview, KeptNamesSurviveALiteralEngineAndWhatStillBreaksTheListIsNa
 
     // The preflight, one batch, and one request for each of the three cues that broke the list.
     EXPECT_EQ(server.completions(), 5);
-    EXPECT_TRUE(server.systemPrompts().last().contains(u"«the Shire»: se traduce «la Comarca»"_s));
+    // Asked alone, with the rule restated.
+    EXPECT_EQ(server.systemPrompts().filter(u"«the Shire»: se traduce «la Comarca»"_s).size(), 2);
     EXPECT_EQ(result.warnings.last(), u"1 subtítulo no respeta «Nombres y términos»: #4 (0:03)."_s);
     QList<qint64> named;
     for (const QualityFinding& finding : result.qualityFindings) {
@@ -57,9 +58,9 @@ TEST(GlossaryReview, KeptNamesSurviveALiteralEngineAndWhatStillBreaksTheListIsNa
     ffmpeg.start(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, result.outputURL, u"-map"_s,
                                u"0:s:1"_s, u"-f"_s, u"srt"_s, u"-"_s});
     ffmpeg.waitForFinished(-1);
+    const SrtDocument track = SrtDocument::parse(QString::fromUtf8(ffmpeg.readAllStandardOutput()));
     QStringList written;
-    for (const SrtCue& cue :
-         SrtDocument::parse(QString::fromUtf8(ffmpeg.readAllStandardOutput())).cues())
+    for (const SrtCue& cue : track.cues())
         written.append(cue.text);
     EXPECT_EQ(written,
               (QStringList{u"es: señor White, sit down."_s, u"es: Where is the car?"_s,
