@@ -1,5 +1,6 @@
 #include "VeltoMKV/state/NameList.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 #include "VeltoKit/core/VeltoError.h"
@@ -7,6 +8,26 @@
 #include "VeltoMKV/state/AppState.h"
 
 namespace velto {
+namespace {
+
+// A name the user took out stays out when the next episode finds it again: the file keeps it
+// as a comment, which the job and the CLI skip.
+const QString droppedMark = QStringLiteral("quitado: ");
+
+QStringList droppedIn(const QString& path) {
+    QFile file(path);
+    QStringList dropped;
+    if (!file.open(QIODevice::ReadOnly))
+        return dropped;
+    const QString prefix = QStringLiteral("# ") + droppedMark;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+        if (line.startsWith(prefix))
+            dropped.append(line.mid(prefix.size()).trimmed());
+    }
+    return dropped;
+}
+
+} // namespace
 
 NameList::NameList(AppState& state, QObject* parent)
     : QObject(parent)
@@ -23,6 +44,7 @@ void NameList::reload() {
     m_task.reset();
     const quint64 run = ++m_run;
     m_entries.clear();
+    m_dropped.clear();
     m_problem.clear();
     m_searching = false;
     m_filePath.reset();
@@ -34,6 +56,7 @@ void NameList::reload() {
     m_filePath = Glossary::pathIn(QFileInfo(*source).absolutePath());
     try {
         m_entries = Glossary::load(*m_filePath).entries();
+        m_dropped = droppedIn(*m_filePath);
     } catch (const VeltoError& error) {
         m_problem = error.description();
     }
@@ -61,7 +84,7 @@ void NameList::found(const QStringList& names) {
     m_task.reset();
     m_searching = false;
     for (const QString& name : names) {
-        if (indexOf(name) < 0)
+        if (indexOf(name) < 0 && !m_dropped.contains(name))
             m_entries.append({name, {}});
     }
     publish();
@@ -76,12 +99,14 @@ void NameList::publish() {
 void NameList::save() {
     m_problem.clear();
     if (m_filePath) {
+        QStringList comments = {
+            QStringLiteral("Nombres y términos de VeltoMKV: uno por línea; después de un "
+                           "tabulador, cómo va en español."),
+            QStringLiteral("Sin nada después del tabulador, se deja tal cual.")};
+        for (const QString& term : m_dropped)
+            comments.append(droppedMark + term);
         try {
-            Glossary(m_entries).save(
-                *m_filePath,
-                {QStringLiteral("Nombres y términos de VeltoMKV: uno por línea; después de "
-                                "un tabulador, cómo va en español."),
-                 QStringLiteral("Sin nada después del tabulador, se deja tal cual.")});
+            Glossary(m_entries).save(*m_filePath, comments);
         } catch (const VeltoError& error) {
             m_problem = error.description();
         }
@@ -101,6 +126,7 @@ bool NameList::add(const QString& term, const QString& rendering) {
     if (term.trimmed().isEmpty() || indexOf(term.trimmed()) >= 0)
         return false;
     m_entries.append({term.trimmed(), rendering.trimmed()});
+    m_dropped.removeAll(term.trimmed());
     save();
     return true;
 }
@@ -110,6 +136,7 @@ bool NameList::rename(const QString& term, const QString& newTerm) {
     if (k < 0 || newTerm.trimmed().isEmpty() || indexOf(newTerm.trimmed()) >= 0)
         return false;
     m_entries[k].term = newTerm.trimmed();
+    m_dropped.removeAll(newTerm.trimmed());
     save();
     return true;
 }
@@ -126,7 +153,7 @@ void NameList::remove(const QString& term) {
     const qsizetype k = indexOf(term);
     if (k < 0)
         return;
-    m_entries.removeAt(k);
+    m_dropped.append(m_entries.takeAt(k).term);
     save();
 }
 

@@ -36,6 +36,7 @@ public:
     bool add(const QString& term, const QString& rendering = {});
     bool rename(const QString& term, const QString& newTerm);
     void setRendering(const QString& term, const QString& rendering);
+    // The term is not offered again for the videos of that folder.
     void remove(const QString& term);
 
 signals:
@@ -50,6 +51,8 @@ private:
 
     AppState& m_state;
     QList<Glossary::Entry> m_entries;
+    // Names the user removed: not offered again.
+    QStringList m_dropped;
     std::optional<QString> m_filePath;
     QString m_problem;
     bool m_searching = false;

@@ -26,9 +26,17 @@ TEST(NameList, TheFoldersListThenTheTracksNamesAndEveryEditRewritesTheFile) {
     // A second term of the same name is refused; the others land in the file at once.
     EXPECT_FALSE(names.add(u"White"_s));
     EXPECT_TRUE(names.add(u"the Shire"_s, u"la Comarca"_s));
-    names.setRendering(u"White"_s, u"Blanco"_s);
-    names.remove(u"Heisenberg"_s);
-    const Entries edited{{u"White"_s, u"Blanco"_s}, {u"the Shire"_s, u"la Comarca"_s}};
+    names.setRendering(u"Heisenberg"_s, u"el profe"_s);
+    names.remove(u"White"_s);
+    const Entries edited{{u"Heisenberg"_s, u"el profe"_s}, {u"the Shire"_s, u"la Comarca"_s}};
     EXPECT_EQ(names.entries(), edited);
     EXPECT_EQ(Glossary::load(*names.filePath()).entries(), edited);
+
+    // The next episode of the folder does not bring back what the user took out.
+    const QString next = work.video(u"E02.mkv"_s, {english});
+    state.load(next, *work.preferences);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return state.sourceURL() == next && state.info() && !names.isSearching(); },
+        patience));
+    EXPECT_EQ(names.entries(), edited);
 }
