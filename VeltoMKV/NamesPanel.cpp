@@ -103,18 +103,12 @@ QString NamesPanel::summaryText() const {
     qsizetype translated = 0;
     for (const Glossary::Entry& entry : entries)
         translated += entry.keeps() ? 0 : 1;
+    // Short enough for a narrow window: what stays as it is needs no words.
     QStringList parts;
-    if (!entries.isEmpty()) {
-        const qsizetype kept = entries.size() - translated;
-        QString text = count(entries.size(), "nombre", "nombres") + QStringLiteral(": ");
-        if (kept > 0)
-            text += count(kept, "se deja igual", "se dejan igual");
-        if (kept > 0 && translated > 0)
-            text += QStringLiteral(", ");
-        if (translated > 0)
-            text += count(translated, "se traduce", "se traducen");
-        parts.append(text);
-    }
+    if (!entries.isEmpty())
+        parts.append(count(entries.size(), "nombre", "nombres"));
+    if (translated > 0)
+        parts.append(count(translated, "se traduce", "se traducen"));
     if (m_list->isSearching())
         parts.append(QStringLiteral("buscando nombres…"));
     else if (entries.isEmpty())
