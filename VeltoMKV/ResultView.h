@@ -27,6 +27,10 @@ public:
     QLabel* untranslated() const { return m_untranslated; }
     QWidget* warningsPanel() const { return m_warnings; }
     QPushButton* revealButton() const { return m_reveal; }
+    // Names the subtitle file written beside the video, when both were written.
+    QLabel* sidecarLine() const { return m_sidecar; }
+    // Shown when that subtitle file lies in another folder than the video.
+    QPushButton* revealSidecarButton() const { return m_revealSidecar; }
     QPushButton* anotherButton() const { return m_another; }
 
 signals:
@@ -35,12 +39,15 @@ signals:
 
 private:
     void showResult();
+    void showSidecar();
 
     AppState& m_state;
     bool m_stripped = false;
     QLabel* m_untranslated;
     QLabel* m_counts;
     QLabel* m_removed;
+    QLabel* m_sidecar;
+    QPushButton* m_revealSidecar;
     QWidget* m_warnings;
     QLabel* m_warningsHeader;
     QVBoxLayout* m_warningLines;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -11,7 +13,10 @@ namespace velto {
 
 // How a finished job ended.
 struct JobResult {
+    // The video written; empty when only the subtitle file was asked for.
     QString outputURL;
+    // The subtitle file written beside the source, when one was asked for.
+    std::optional<QString> sidecarURL;
     qint64 translatedCount = 0;
     // Removals reported by SDH stripping; 0 when stripping was off.
     qint64 removedDescriptions = 0;
@@ -24,6 +29,11 @@ struct JobResult {
     QList<SubtitleTrack> finalTracks;
     // Cues a viewer would trip over, in cue order; `warnings` sums them up.
     QList<QualityFinding> qualityFindings;
+
+    // What a person looks for first: the video, else the subtitle file.
+    const QString& written() const {
+        return outputURL.isEmpty() && sidecarURL ? *sidecarURL : outputURL;
+    }
 };
 
 } // namespace velto
