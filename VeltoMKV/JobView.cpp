@@ -16,6 +16,7 @@
 #include "VeltoMKV/ElidingLabel.h"
 #include "VeltoMKV/EngineLine.h"
 #include "VeltoMKV/Look.h"
+#include "VeltoMKV/NamesPanel.h"
 #include "VeltoMKV/OptionsPanel.h"
 #include "VeltoMKV/Page.h"
 #include "VeltoMKV/SettingsPresenter.h"
@@ -109,6 +110,7 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     m_optionsSummary->setText(m_options->summary());
     connect(m_options, &OptionsPanel::summaryChanged, this,
             [this] { m_optionsSummary->setText(m_options->summary()); });
+    layout->addWidget(new NamesPanel(m_state, this));
     layout->addSpacing(Look::groupGap - Look::rowGap);
 
     // The engine.

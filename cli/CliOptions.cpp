@@ -68,6 +68,8 @@ private:
             outputs(JobOutputs::sidecarOnly);
         else if (m_name == QStringLiteral("--list-tracks"))
             m_options.listTracks = true;
+        else if (m_name == QStringLiteral("--list-names"))
+            m_options.listNames = true;
         else if (m_name == QStringLiteral("--list-models"))
             m_options.listModels = true;
         else if (m_name == QStringLiteral("--check"))
@@ -111,6 +113,8 @@ private:
             job.forcedTrackIndex = count(0);
         else if (m_name == QStringLiteral("--output"))
             job.outputURL = value();
+        else if (m_name == QStringLiteral("--glossary"))
+            m_options.glossaryFile = value();
         else if (m_name == QStringLiteral("--provider") || m_name == QStringLiteral("--engine"))
             m_options.engine.providerID = providerID(value());
         else if (m_name == QStringLiteral("--set-key"))
@@ -289,6 +293,10 @@ QString helpText() {
         "  --no-cache              sin caché de traducciones (solo ahorra pedidos al reintentar\n"
         "                          dentro de una misma ejecución; cada ejecución empieza de cero)\n"
         "  --list-tracks           solo mostrar las pistas de subtítulos de cada video\n"
+        "  --list-names            solo mostrar los nombres que aparecen en los videos, como\n"
+        "                          lista de nombres y términos\n"
+        "  --glossary ARCHIVO      la lista de nombres y términos de esta vez, en lugar de\n"
+        "                          «nombres.veltomkv.txt» de la carpeta del video\n"
         "  --json                  un objeto JSON por evento, para scripts\n"
         "  --help                  esta ayuda\n"
         "  --version               la versión\n"

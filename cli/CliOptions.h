@@ -28,6 +28,10 @@ struct CliOptions {
     EngineOverrides engine;
     QStringList videos;
     bool listTracks = false;
+    // Print the candidate names of the videos as a list file instead of translating.
+    bool listNames = false;
+    // The list of names and terms for this run, instead of the one beside each video.
+    std::optional<QString> glossaryFile;
     // Instead of translating: store the key of this provider id, read from standard input.
     std::optional<QString> setKeyFor;
     bool listModels = false;

@@ -17,6 +17,7 @@
 #include "cli/InterruptWatcher.h"
 #include "cli/JsonReporter.h"
 #include "cli/KeyCommand.h"
+#include "cli/NameListing.h"
 #include "cli/TerminalText.h"
 
 using namespace velto;
@@ -78,12 +79,22 @@ int check(const EngineConfiguration& engine) {
     });
 }
 
-int translate(const CliOptions& options, const EngineConfiguration& engine) {
+int translate(CliOptions options, const EngineConfiguration& engine) {
     const std::optional<FFmpeg> ffmpeg = FFmpeg::locate();
     if (!ffmpeg) {
         const QString missing = Shell::which(QStringLiteral("ffmpeg")) ? QStringLiteral("ffprobe")
                                                                        : QStringLiteral("ffmpeg");
         return failWith(ShellError::notFound(missing).description());
+    }
+    if (options.listNames)
+        return interruptible(
+            [&](std::stop_token stop) { return listNames(options, *ffmpeg, stop); });
+    if (options.glossaryFile) {
+        try {
+            options.job.glossary = readGlossaryFile(*options.glossaryFile);
+        } catch (const VeltoError& error) {
+            return failWith(error.description());
+        }
     }
     // Listing tracks asks no engine, so it needs none configured.
     std::shared_ptr<const TranslationBackend> backend;

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "VeltoKit/job/JobOutputs.h"
+#include "VeltoKit/translation/Glossary.h"
 #include "VeltoKit/translation/SpanishVariant.h"
 
 namespace velto {
@@ -32,6 +33,8 @@ struct JobOptions {
     // Translate even when the file already has full Spanish subtitles.
     bool force = false;
     JobOutputs outputs = JobOutputs::video;
+    // Names and terms; absent: the list file in the source's folder, when there is one.
+    std::optional<Glossary> glossary;
 };
 
 } // namespace velto

@@ -137,8 +137,10 @@ constexpr IssueTexts issues[] = {
     {QualityIssue::lineLength, u"lineLength",
      u"subtítulo tiene renglones de más de 42 caracteres o más de dos renglones",
      u"subtítulos tienen renglones de más de 42 caracteres o más de dos renglones"},
+    {QualityIssue::names, u"names", u"subtítulo no respeta «Nombres y términos»",
+     u"subtítulos no respetan «Nombres y términos»"},
 };
-static_assert(EnumTable::coversInOrder(issues, QualityIssue::lineLength));
+static_assert(EnumTable::coversInOrder(issues, QualityIssue::names));
 
 QString cueReference(const CheckedCue& cue) {
     QString reference = u'#' + QString::number(cue.number);

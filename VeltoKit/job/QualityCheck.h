@@ -48,7 +48,7 @@ QList<QualityFinding> inspect(const QList<CheckedCue>& cues);
 // cues by number and start time: "3 subtítulos quedaron sin traducir: #12 (1:02), …".
 QStringList warnings(const QList<QualityFinding>& findings);
 
-// "untranslated", "lost", "readingSpeed", "lineLength": for scripts.
+// "untranslated", "lost", "readingSpeed", "lineLength", "names": for scripts.
 QString issueName(QualityIssue issue);
 
 // "00:01:02,500", "0:01:02.50", "01:02.5" in milliseconds; none for anything else.

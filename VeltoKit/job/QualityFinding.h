@@ -13,6 +13,7 @@ enum class QualityIssue {
     lost,         // empty, or far shorter than its source
     readingSpeed, // more than 20 characters per second on screen
     lineLength,   // a line over 42 characters, or more than two lines
+    names,        // lacks a listed name or term as the list asks for it
 };
 
 // One translated cue as the written track holds it.

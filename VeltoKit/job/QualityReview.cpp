@@ -101,7 +101,7 @@ QualityReview::Outcome QualityReview::run(const SubtitleDocument& document,
                 translations[k] = *answers[i];
                 // The next run of this video starts from the better answer.
                 if (m_cache)
-                    m_cache->put(m_cache->key(texts[k]), *answers[i]);
+                    m_cache->put(m_translator.cacheKey(texts[k]), *answers[i]);
             } else {
                 // Whatever the model added around the text never reaches the track.
                 translations[k] = texts[k];

@@ -1,5 +1,7 @@
 #include "VeltoKit/job/TranslationJob.h"
 
+#include <algorithm>
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -7,6 +9,7 @@
 
 #include "VeltoKit/core/OwnerOnly.h"
 #include "VeltoKit/core/VeltoError.h"
+#include "VeltoKit/job/GlossaryReview.h"
 #include "VeltoKit/job/JobError.h"
 #include "VeltoKit/job/JobPlan.h"
 #include "VeltoKit/job/QualityCheck.h"
@@ -177,11 +180,24 @@ private:
             m_backend->cacheScope() + u'|' + rawValue(m_options.variant));
     }
 
+    // The season's list lives beside its videos; the one the front end gave replaces it.
+    Glossary glossary() const {
+        if (m_options.glossary)
+            return *m_options.glossary;
+        return Glossary::load(Glossary::pathIn(QFileInfo(m_source).absolutePath()));
+    }
+
+    void reportReview(qint64 asked, qint64 count) {
+        report(JobStage::reviewing,
+               QString::number(asked) + QStringLiteral(" de ") + QString::number(count),
+               static_cast<double>(asked) / static_cast<double>(count));
+    }
+
     QStringList translate(const SubtitleDocument& document) {
         const std::shared_ptr<TranslationCache> cache = openCache();
         const Translator translator(m_backend, m_plan.sourceLanguageName(), m_options.variant,
                                     m_options.batchSize, m_options.contextLines,
-                                    m_options.concurrency, cache);
+                                    m_options.concurrency, cache, glossary());
         const QStringList texts = document.texts();
         report(JobStage::translating,
                QString::number(texts.size()) + (texts.size() == 1 ? QStringLiteral(" subtítulo")
@@ -207,13 +223,7 @@ private:
             QualityReview(translator, m_backend, m_options.concurrency, cache)
                 .run(
                     document, result,
-                    [&](qint64 asked, qint64 count) {
-                        report(JobStage::reviewing,
-                               QString::number(asked) + QStringLiteral(" de ") +
-                                   QString::number(count),
-                               static_cast<double>(asked) / static_cast<double>(count));
-                    },
-                    m_stop);
+                    [&](qint64 asked, qint64 count) { reportReview(asked, count); }, m_stop);
         // Blank cues and drawings were kept, not translated.
         const qint64 sent = result.progress.total;
         if (sent > 0 && reviewed.untranslated == sent && !result.engineFailure.isEmpty())
@@ -222,7 +232,24 @@ private:
         m_result.failedLines = reviewed.untranslated;
         m_result.qualityFindings = reviewed.findings;
         m_result.warnings = reviewed.warnings;
-        return reviewed.translations;
+        if (translator.glossary().isEmpty())
+            return reviewed.translations;
+        return reviewNames(document, translator, cache, reviewed.translations);
+    }
+
+    QStringList reviewNames(const SubtitleDocument& document, const Translator& translator,
+                            const std::shared_ptr<TranslationCache>& cache,
+                            const QStringList& translations) {
+        GlossaryReview::Outcome checked =
+            GlossaryReview(translator, m_backend, m_options.concurrency, cache)
+                .run(
+                    document, translations,
+                    [&](qint64 asked, qint64 count) { reportReview(asked, count); }, m_stop);
+        m_result.qualityFindings += checked.findings;
+        std::stable_sort(m_result.qualityFindings.begin(), m_result.qualityFindings.end(),
+                         [](const auto& a, const auto& b) { return a.cue.number < b.cue.number; });
+        m_result.warnings += QualityCheck::warnings(checked.findings);
+        return checked.translations;
     }
 
     QString rebuild(const SubtitleDocument& document, const QStringList& translations,

@@ -206,6 +206,10 @@ std::optional<AssDocument::Event> AssDocument::readEvent(const Line& line, const
     event.textField = format.text;
     event.startField = format.start;
     event.endField = format.end;
+    // ASS calls it Name; SSA scripts and some editors, Actor.
+    event.actorField = format.names.indexOf(QStringLiteral("name"));
+    if (event.actorField < 0)
+        event.actorField = format.names.indexOf(QStringLiteral("actor"));
     return event;
 }
 
@@ -263,6 +267,19 @@ QStringList AssDocument::dialogueTexts() const {
     for (const Line& line : m_lines) {
         if (line.event && line.event->isDialogue())
             out.append(line.event->fields[line.event->textField]);
+    }
+    return out;
+}
+
+QStringList AssDocument::actorNames() const {
+    QStringList out;
+    for (const Line& line : m_lines) {
+        if (!line.event || !line.event->isDialogue())
+            continue;
+        const Event& event = *line.event;
+        out.append(event.actorField >= 0 && event.actorField < event.fields.size()
+                       ? event.fields[event.actorField].trimmed()
+                       : QString());
     }
     return out;
 }

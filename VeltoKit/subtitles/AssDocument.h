@@ -43,6 +43,8 @@ public:
 
     // The Text field of every dialogue event exactly as written, override blocks included.
     QStringList dialogueTexts() const;
+    // The Name (or Actor) field of every dialogue event, trimmed; empty where there is none.
+    QStringList actorNames() const;
     // Replaces the Text field of every dialogue event; std::nullopt removes the event's line.
     // Line breaks in a text become \N, since a real one would end the line.
     void rewriteDialogues(const QList<std::optional<QString>>& texts);
@@ -55,6 +57,7 @@ private:
         qsizetype textField = 0;
         qsizetype startField = -1;
         qsizetype endField = -1;
+        qsizetype actorField = -1;
 
         bool isDialogue() const;
         QString line() const;

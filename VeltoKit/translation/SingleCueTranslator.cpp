@@ -58,8 +58,9 @@ QList<std::optional<QString>> SingleCueTranslator::translate(const QStringList& 
 
 std::optional<QString> SingleCueTranslator::ask(const QStringList& texts, qsizetype position,
                                                 std::stop_token stop) const {
-    const QString answer = m_backend->complete(
-        m_translator.systemPrompt(), m_translator.prompt(texts, {position}), std::move(stop));
+    const QString answer =
+        m_backend->complete(m_translator.systemPrompt(texts, {position}),
+                            m_translator.prompt(texts, {position}), std::move(stop));
     const std::map<int, QString> blocks = BlockProtocol::split(answer);
     if (blocks.size() != 1 || !blocks.contains(1) ||
         !CueText::keepsPlaceholders(texts[position], blocks.at(1)))

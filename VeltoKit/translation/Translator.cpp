@@ -81,7 +81,8 @@ int Translator::failuresToStop(qint64 concurrency) {
 
 Translator::Translator(std::shared_ptr<const TranslationBackend> backend, QString sourceLanguage,
                        SpanishVariant variant, qint64 batchSize, qint64 contextLines,
-                       qint64 concurrency, std::shared_ptr<TranslationCache> cache)
+                       qint64 concurrency, std::shared_ptr<TranslationCache> cache,
+                       Glossary glossary)
     : m_backend(std::move(backend))
     , m_sourceLanguage(std::move(sourceLanguage))
     , m_variant(variant)
@@ -89,9 +90,25 @@ Translator::Translator(std::shared_ptr<const TranslationBackend> backend, QStrin
     , m_contextLines(contextLines)
     , m_concurrency(concurrency)
     , m_cache(std::move(cache))
+    , m_glossary(std::move(glossary))
     , m_systemPrompt(systemPromptFor(m_sourceLanguage, m_variant)) {
     if (!m_backend || m_batchSize < 1 || m_contextLines < 0 || m_concurrency < 1)
         throw std::invalid_argument("Translator needs a backend, batches and workers");
+}
+
+QString Translator::systemPrompt(const QStringList& texts, const QList<qsizetype>& indices) const {
+    if (m_glossary.isEmpty())
+        return m_systemPrompt;
+    QStringList batch;
+    for (const qsizetype position : indices)
+        batch.append(texts[position]);
+    return m_systemPrompt + Glossary::promptAddition(m_glossary.entriesIn(batch));
+}
+
+QString Translator::cacheKey(const QString& text) const {
+    if (!m_cache)
+        return {};
+    return m_cache->key(text + Glossary::keyPart(m_glossary.entriesIn(text)));
 }
 
 QString Translator::prompt(const QStringList& texts, const QList<qsizetype>& indices) const {
@@ -145,7 +162,7 @@ QList<qsizetype> Translator::answerFromCache(Run& run, const QList<qsizetype>& t
     qint64 hits = 0;
     run.keys.resize(run.texts.size());
     for (const qsizetype position : translatable) {
-        run.keys[position] = m_cache->key(run.texts[position]);
+        run.keys[position] = cacheKey(run.texts[position]);
         if (std::optional<QString> hit = m_cache->get(run.keys[position])) {
             run.results[position] = *std::move(hit);
             ++hits;
@@ -214,7 +231,8 @@ QStringList Translator::request(Run& run, const QList<qsizetype>& indices,
                                 std::stop_token stop) const {
     QString answer;
     try {
-        answer = m_backend->complete(m_systemPrompt, prompt(run.texts, indices), stop);
+        answer =
+            m_backend->complete(systemPrompt(run.texts, indices), prompt(run.texts, indices), stop);
     } catch (const TranslationError& error) {
         if (!error.isFatal() && !stop.stop_requested() && run.streak.failed(error.message()))
             throw TranslationError::fatal(error.message());

@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "VeltoKit/translation/Glossary.h"
 #include "VeltoKit/translation/SpanishVariant.h"
 #include "VeltoKit/translation/TranslationProgress.h"
 
@@ -41,11 +42,18 @@ public:
 
     // batchSize and concurrency must be at least 1 and contextLines at least 0
     // (std::invalid_argument otherwise). `cache` may be null: nothing is looked up or stored.
+    // The glossary's terms reach only the requests whose texts hold them.
     Translator(std::shared_ptr<const TranslationBackend> backend, QString sourceLanguage,
                SpanishVariant variant, qint64 batchSize, qint64 contextLines, qint64 concurrency,
-               std::shared_ptr<TranslationCache> cache);
+               std::shared_ptr<TranslationCache> cache, Glossary glossary = {});
 
     QString systemPrompt() const { return m_systemPrompt; }
+    // The system prompt for the texts at `indices`, with the glossary's entries they hold.
+    QString systemPrompt(const QStringList& texts, const QList<qsizetype>& indices) const;
+    const Glossary& glossary() const { return m_glossary; }
+    // The cache key of `text`: a text holding listed terms is keyed with their renderings too.
+    // Empty without a cache.
+    QString cacheKey(const QString& text) const;
     // The request for the texts at `indices` (positions into `texts`, in order, never empty),
     // preceded by up to contextLines source lines as context.
     QString prompt(const QStringList& texts, const QList<qsizetype>& indices) const;
@@ -80,6 +88,7 @@ private:
     qint64 m_contextLines;
     qint64 m_concurrency;
     std::shared_ptr<TranslationCache> m_cache;
+    Glossary m_glossary;
     QString m_systemPrompt;
 };
 

@@ -140,7 +140,8 @@ void AppState::start(const Preferences& preferences) {
         setPhase(Phase::failed(failureText(error)));
         return;
     }
-    const JobOptions options = preferences.makeJobOptions(m_outputURL, m_selectedTrack, m_force);
+    JobOptions options = preferences.makeJobOptions(m_outputURL, m_selectedTrack, m_force);
+    options.glossary = m_glossary;
     const TranslationJob job(*m_tools, std::move(backend), options, Preferences::cacheDirectory());
     const QString source = *m_sourceURL;
 

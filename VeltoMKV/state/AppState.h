@@ -46,6 +46,9 @@ public:
     void setOutputURL(std::optional<QString> url);
     bool force() const { return m_force; }
     void setForce(bool force);
+    // The names and terms the next job keeps; none: the list file beside the video.
+    void setGlossary(std::optional<Glossary> glossary) { m_glossary = std::move(glossary); }
+    const std::optional<FFmpeg>& tools() const { return m_tools; }
     // Where the running job is: its stage, the detail line and the fraction when known.
     const JobUpdate& progress() const { return m_progress; }
     // The cues translated last, as they came back, newest last; at most liveLineCount.
@@ -109,6 +112,7 @@ private:
     std::optional<qint64> m_selectedTrack;
     std::optional<QString> m_outputURL;
     bool m_force = false;
+    std::optional<Glossary> m_glossary;
     JobUpdate m_progress;
     QList<TranslatedLine> m_latestLines;
     std::optional<TimeLeft> m_timeLeft;

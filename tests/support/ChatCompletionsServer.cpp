@@ -73,13 +73,20 @@ QList<QByteArray> ChatCompletionsServer::authorizations() const {
     return m_authorizations;
 }
 
+QStringList ChatCompletionsServer::systemPrompts() const {
+    std::lock_guard lock(m_mutex);
+    return m_systemPrompts;
+}
+
 QByteArray ChatCompletionsServer::answer(const QByteArray& requestBody) {
+    const QJsonArray messages =
+        QJsonDocument::fromJson(requestBody).object().value(QStringLiteral("messages")).toArray();
     {
         std::lock_guard lock(m_mutex);
         ++m_completions;
+        m_systemPrompts.append(
+            messages.first().toObject().value(QStringLiteral("content")).toString());
     }
-    const QJsonArray messages =
-        QJsonDocument::fromJson(requestBody).object().value(QStringLiteral("messages")).toArray();
     const QString prompt = messages.last().toObject().value(QStringLiteral("content")).toString();
     const qsizetype start = prompt.indexOf(BlockProtocol::header());
     if (start < 0)

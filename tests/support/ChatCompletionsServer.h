@@ -36,6 +36,8 @@ public:
     int completions() const;
     // The Authorization headers received, in order.
     QList<QByteArray> authorizations() const;
+    // The system prompt of every completion asked for, in order of arrival.
+    QStringList systemPrompts() const;
 
 private:
     QByteArray answer(const QByteArray& requestBody);
@@ -46,6 +48,7 @@ private:
     int m_completions = 0;
     bool m_lostOne = false;
     QList<QByteArray> m_authorizations;
+    QStringList m_systemPrompts;
     LocalListener m_listener;
 };
 

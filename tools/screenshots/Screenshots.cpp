@@ -16,10 +16,12 @@
 #include "VeltoMKV/AppShell.h"
 #include "VeltoMKV/JobView.h"
 #include "VeltoMKV/MainWindow.h"
+#include "VeltoMKV/NamesPanel.h"
 #include "VeltoMKV/QueueView.h"
 #include "VeltoMKV/SettingsDialog.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
+#include "VeltoMKV/state/NameList.h"
 #include "VeltoMKV/state/QueueState.h"
 
 using namespace velto;
@@ -115,6 +117,22 @@ int main(int argc, char** argv) {
     window.jobView()->optionsDisclosure()->click();
     camera.take(window, u"main-ready-options"_s);
     window.jobView()->optionsDisclosure()->click();
+    if (auto* names = window.findChild<NamesPanel*>()) {
+        (void)QTest::qWaitFor([&] { return !names->list().isSearching(); }, patience);
+        // The sample names only Mara; a season's list holds more, some of them translated.
+        const QList<std::pair<QString, QString>> season = {
+            {u"Grandma"_s, u"la abuela"_s}, {u"Hollow Creek"_s, {}}, {u"Mr. Abernathy"_s, {}}};
+        for (const auto& [term, rendering] : season)
+            names->list().add(term, rendering);
+        camera.take(window, u"main-ready-names-folded"_s);
+        names->disclosure()->click();
+        QCoreApplication::processEvents();
+        camera.take(window, u"main-ready-names"_s);
+        names->disclosure()->click();
+        for (const auto& [term, rendering] : season)
+            names->list().remove(term);
+        QFile::remove(names->list().filePath().value_or(QString()));
+    }
 
     bool working = false;
     QObject::connect(&state, &AppState::progressChanged, &window, [&] {

@@ -265,14 +265,15 @@ TEST_F(MainWindowTest, TabFollowsTheReadingOrderOfTheReadyPage) {
     JobView* view = window().jobView();
     view->trackList()->setFocus();
     QStringList order;
-    for (int i = 0; i < 6; ++i) {
+    for (int i = 0; i < 7; ++i) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         QWidget* focus = QApplication::focusWidget();
         const auto* button = qobject_cast<QAbstractButton*>(focus);
         order << (button ? button->text() : QString::fromLatin1(focus->metaObject()->className()));
     }
     EXPECT_EQ(order,
-              (QStringList{u"Opciones"_s, u"Elegir el motor de traducción"_s, u"Guardar como"_s,
+              (QStringList{u"Opciones"_s, u"Nombres y términos"_s,
+                           u"Elegir el motor de traducción"_s, u"Guardar como"_s,
                            u"Traducir al español"_s, u"Cerrar este archivo"_s, u"QListWidget"_s}));
 }
 
