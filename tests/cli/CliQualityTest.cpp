@@ -51,9 +51,8 @@ TEST_F(CliQualityTest, SaysWhichCuesToLookAtByNumberAndTimeAndStaysQuietWhenAllI
         << human.toStdString();
 
     QJsonArray findings;
-    for (const QString& line :
-         output(local(server) + QStringList{u"--json"_s, movie}, 3).split(u'\n')) {
-        const QJsonObject event = QJsonDocument::fromJson(line.toUtf8()).object();
+    for (const QJsonObject& event :
+         events(output(local(server) + QStringList{u"--json"_s, movie}, 3))) {
         if (event[u"type"] == u"quality"_s)
             findings = event[u"findings"].toArray();
     }
