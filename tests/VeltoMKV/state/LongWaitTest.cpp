@@ -4,6 +4,7 @@
 #include <future>
 
 #include <QDir>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -39,52 +40,28 @@ TEST(LongWait, CountsAndTimeLeftReadAsSpanishProse) {
 }
 
 TEST(LongWait, TimeLeftFollowsThePaceOfTheLatestBatches) {
-    // A report: seconds since the start, cues done, of them from the cache, total.
-    struct Report {
-        double at;
-        qint64 done;
-        qint64 cached;
-        qint64 total;
-    };
+    // Reports as "seconds:done/cached/total", in order.
     const struct {
         const char* name;
         qint64 concurrency;
-        QList<Report> reports;
+        QString reports;
         double askedAt;
         std::optional<double> left;
     } cases[] = {
-        {"one request at a time: the first answer sets the pace",
-         1,
-         {{0, 0, 0, 400}, {10, 40, 0, 400}},
-         10,
+        {"one request at a time: the first answer sets the pace", 1, u"0:0/0/400 10:40/0/400"_s, 10,
          90},
-        {"three at once: no guess while the first round is still coming",
-         3,
-         {{0, 0, 0, 400}, {10, 40, 0, 400}, {10.5, 80, 0, 400}},
-         10.5,
-         std::nullopt},
-        {"three at once: the whole first round is the pace",
-         3,
-         {{0, 0, 0, 400}, {10, 40, 0, 400}, {10, 80, 0, 400}, {10, 120, 0, 400}},
-         10,
-         280.0 / 12},
-        {"cache hits are no pace", 1, {{0, 200, 200, 400}, {20, 240, 200, 400}}, 20, 80},
-        {"a stalled engine makes the guess grow", 1, {{0, 0, 0, 400}, {10, 40, 0, 400}}, 40, 360},
-        {"an engine that slows down shows within a few batches",
-         1,
-         {{0, 0, 0, 800},
-          {10, 40, 0, 800},
-          {20, 80, 0, 800},
-          {30, 120, 0, 800},
-          {40, 160, 0, 800},
-          {60, 200, 0, 800},
-          {80, 240, 0, 800},
-          {100, 280, 0, 800},
-          {120, 320, 0, 800}},
-         120,
-         240},
-        {"between answers the guess counts down", 1, {{0, 0, 0, 400}, {10, 40, 0, 400}}, 15, 85},
-        {"nothing left", 1, {{0, 0, 0, 40}, {5, 40, 0, 40}}, 6, 0},
+        {"three at once: no guess while the first round is still coming", 3,
+         u"0:0/0/400 10:40/0/400 10.5:80/0/400"_s, 10.5, std::nullopt},
+        {"three at once: the whole first round is the pace", 3,
+         u"0:0/0/400 10:40/0/400 10:80/0/400 10:120/0/400"_s, 10, 280.0 / 12},
+        {"cache hits are no pace", 1, u"0:200/200/400 20:240/200/400"_s, 20, 80},
+        {"a stalled engine makes the guess grow", 1, u"0:0/0/400 10:40/0/400"_s, 40, 360},
+        {"an engine that slows down shows within a few batches", 1,
+         u"0:0/0/800 10:40/0/800 20:80/0/800 30:120/0/800 40:160/0/800 60:200/0/800 "
+         "80:240/0/800 100:280/0/800 120:320/0/800"_s,
+         120, 240},
+        {"between answers the guess counts down", 1, u"0:0/0/400 10:40/0/400"_s, 15, 85},
+        {"nothing left", 1, u"0:0/0/40 5:40/0/40"_s, 6, 0},
     };
     const TimeLeft::Clock::time_point start;
     const auto at = [&](double seconds) {
@@ -93,8 +70,11 @@ TEST(LongWait, TimeLeftFollowsThePaceOfTheLatestBatches) {
     };
     for (const auto& c : cases) {
         TimeLeft guess(c.concurrency);
-        for (const Report& report : c.reports)
-            guess.observe({report.total, report.done, report.cached, 0}, at(report.at));
+        for (const QString& report : c.reports.split(u' ')) {
+            const QStringList n = report.split(QRegularExpression(u"[:/]"_s));
+            guess.observe({n[3].toLongLong(), n[1].toLongLong(), n[2].toLongLong(), 0},
+                          at(n[0].toDouble()));
+        }
         const std::optional<double> left = guess.secondsLeft(at(c.askedAt));
         ASSERT_EQ(left.has_value(), c.left.has_value()) << c.name;
         if (left) {
