@@ -1,16 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "VeltoKit/core/TextTrim.h"
 #include "VeltoKit/media/ShellError.h"
 
 using namespace velto;
-
-TEST(TextTrim, TrailingTrimRemovesUnicodeWhitespaceOnlyAtTheEnd) {
-    EXPECT_EQ(trimTrailingWhitespace(u"  hola \t\u00a0\u3000\n"), QStringLiteral("  hola"));
-    EXPECT_EQ(trimTrailingWhitespace(u" \n "), QString());
-    EXPECT_EQ(trimSpacesAndTabs(u"\t a b \t"), QStringLiteral("a b"));
-    EXPECT_EQ(trimSpacesAndTabs(u"\na\n"), QStringLiteral("\na\n"));
-}
 
 // The system's own install command reaches the message; the macOS wording is checked in the
 // engines' messages.

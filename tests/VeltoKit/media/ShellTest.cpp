@@ -153,10 +153,3 @@ TEST(Shell, TimeLimitAndCancellingKillTheChild) {
               "Operación cancelada.");
     EXPECT_FALSE(QFile::exists(ran));
 }
-
-TEST(Shell, LastLinesKeepsTheEndOfTheText) {
-    EXPECT_EQ(Shell::lastLines(u"a\nb\nc\n"_s, 2), u"b\nc"_s);
-    EXPECT_EQ(Shell::lastLines(u"a\n\nc"_s, 2), u"\nc"_s);
-    EXPECT_EQ(Shell::lastLines(u"a\nb"_s, 12), u"a\nb"_s);
-    EXPECT_EQ(Shell::lastLines(u"a\nb"_s, 0), QString());
-}
