@@ -89,22 +89,6 @@ TEST(QualityCheck, SpeedCountsVisibleCharactersAndLinesCountVisibleLines) {
     expectVerdicts(long_, [](const Pair& p) { return QualityCheck::hasLongLines(p.source); });
 }
 
-TEST(QualityCheck, WarningsNameUpToFiveCuesByNumberAndStartTime) {
-    auto finding = [](QualityIssue issue, qint64 number, qint64 start) {
-        return QualityFinding{issue, {.number = number, .startMs = start}};
-    };
-    EXPECT_EQ(QualityCheck::warnings({finding(QualityIssue::lineLength, 3, 0),
-                                      finding(QualityIssue::untranslated, 12, 62'999),
-                                      finding(QualityIssue::untranslated, 48, 250'000),
-                                      finding(QualityIssue::untranslated, 97, 513'000)}),
-              (QStringList{u"3 subtítulos quedaron sin traducir: #12 (1:02), #48 (4:10), "
-                           u"#97 (8:33)."_s,
-                           u"1 subtítulo tiene renglones de más de 42 caracteres o más de dos "
-                           u"renglones: #3 (0:00)."_s}));
-    // One cue, and more than five ending in "y N más": the job's own warnings show them.
-    EXPECT_EQ(QualityCheck::warnings({}), QStringList());
-}
-
 TEST(QualityCheck, ReadsTheTimesOfEveryDocumentKind) {
     EXPECT_EQ(QualityCheck::milliseconds(u"00:01:02,500"), 62'500);
     EXPECT_EQ(QualityCheck::milliseconds(u"0:01:02.50"), 62'500);

@@ -75,13 +75,3 @@ TEST(TranslationCache, FlushIfDueWritesAtMostOncePerIntervalAndOnlyChanges) {
     cache.flushIfDue(start + interval * 10);
     EXPECT_FALSE(QFile::exists(path));
 }
-
-TEST(TranslationCache, ClearAllRemovesOnlyFilesEndingInLowerCaseJson) {
-    QTemporaryDir dir;
-    for (const char* name : {"a.json", "b.JSON", "notes.txt", "c.json.bak"})
-        writeFile(dir.filePath(QString::fromUtf8(name)), "{}");
-    ASSERT_TRUE(QDir(dir.path()).mkdir(u"sub.json"_s));
-    TranslationCache::clearAll(dir.path());
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name),
-              (QStringList{u"b.JSON"_s, u"c.json.bak"_s, u"notes.txt"_s, u"sub.json"_s}));
-}

@@ -317,7 +317,8 @@ TEST_F(FirstRunTest, OptionsTurnOnlyWithFocusAndEmptyTheCacheAfterAsking) {
         file.write(QByteArray(2048, 'x'));
     };
     write(u"peli.json"_s);
-    write(u"notas.txt"_s);
+    for (const QString& other : {u"notas.txt"_s, u"c.json.bak"_s})
+        write(other);
     openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
     window().jobView()->optionsDisclosure()->click();
     auto* options = window().jobView()->findChild<OptionsPanel*>();
@@ -353,10 +354,12 @@ TEST_F(FirstRunTest, OptionsTurnOnlyWithFocusAndEmptyTheCacheAfterAsking) {
         EXPECT_EQ(reply.question(), u"¿Vacío la caché de traducciones?"_s);
         EXPECT_EQ(cache.exists(u"peli.json"_s), !emptied) << answer.toStdString();
     }
-    EXPECT_TRUE(cache.exists(u"notas.txt"_s));
+    EXPECT_EQ(cache.entryList(QDir::Files, QDir::Name),
+              (QStringList{u"c.json.bak"_s, u"notas.txt"_s}));
     EXPECT_EQ(options->cacheSize()->text(), u"La caché está vacía."_s);
     EXPECT_FALSE(options->emptyCacheButton()->isEnabled());
-    QFile::remove(cache.filePath(u"notas.txt"_s));
+    for (const QString& other : cache.entryList(QDir::Files))
+        QFile::remove(cache.filePath(other));
 }
 
 } // namespace
