@@ -1,6 +1,7 @@
 #include <mutex>
 
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMap>
@@ -117,4 +118,60 @@ TEST_F(CliOutcomeTest, CountsAreTheWrittenTracksAndAPartlyUntranslatedRunSaysSo)
         EXPECT_TRUE(track.contains(u"es: "_s + line)) << track.toStdString();
     for (const QString& added : {u"Avisame"_s, u"duplicado"_s, u"sobra"_s})
         EXPECT_FALSE(track.contains(added)) << track.toStdString();
+}
+
+// Exit status 3: written, with cues left in the source language.
+TEST_F(CliOutcomeTest, SaysWhichCuesToLookAtByNumberAndTimeAndStaysQuietWhenAllIsWell) {
+    const auto output = [this](const ChatCompletionsServer* server, const QStringList& arguments,
+                               int status = 0) {
+        const QStringList engine =
+            server ? QStringList{u"--provider"_s,   u"local"_s,   u"--base-url"_s,
+                                 server->baseUrl(), u"--model"_s, u"m"_s}
+                   : QStringList{u"--provider"_s, u"echo"_s};
+        const CliOutcome outcome = run(engine + arguments + QStringList{u"--no-cache"_s});
+        EXPECT_EQ(outcome.status, status) << outcome.err.toStdString();
+        return outcome.out;
+    };
+    const QStringList lines = {u"Hello there."_s, u"Where is he?"_s, u"Fine, thanks."_s,
+                               u"Come with me."_s, u"See you."_s};
+    const QString movie = englishVideo(u"Película.mkv"_s, lines);
+    ChatCompletionsServer server({.key = {}, .translate = [&](int, const QString& text) -> QString {
+                                      if (text == lines[1])
+                                          return text;
+                                      return text == lines[3] ? QString() : u"es: "_s + text;
+                                  }});
+
+    const QString human = output(&server, {movie}, 3);
+    const qsizetype done = human.indexOf(u"Escrito con subtítulos sin traducir: Película.mkv"_s);
+    ASSERT_GE(done, 0) << human.toStdString();
+    EXPECT_TRUE(human.indexOf(u"  Advertencias:\n"
+                              u"    1 subtítulo quedó sin traducir: #2 (0:01).\n"
+                              u"    1 subtítulo quedó vacío o incompleto: #4 (0:03).\n"_s) > done)
+        << human.toStdString();
+
+    QJsonArray findings;
+    for (const QJsonObject& event : events(output(&server, {u"--json"_s, movie}, 3))) {
+        if (event[u"type"] == u"quality"_s)
+            findings = event[u"findings"].toArray();
+    }
+    EXPECT_EQ(findings, (QJsonArray{QJsonObject{{u"category"_s, u"untranslated"_s},
+                                                {u"cue"_s, 2},
+                                                {u"start"_s, 1500},
+                                                {u"end"_s, 2400},
+                                                {u"source"_s, lines[1]},
+                                                {u"translation"_s, lines[1]}},
+                                    QJsonObject{{u"category"_s, u"lost"_s},
+                                                {u"cue"_s, 4},
+                                                {u"start"_s, 3500},
+                                                {u"end"_s, 4400},
+                                                {u"source"_s, lines[3]},
+                                                {u"translation"_s, u""_s}}}));
+
+    // A well-behaved engine, and the echo engine on cues it can prefix without going too fast.
+    ChatCompletionsServer wellBehaved({.key = {}});
+    EXPECT_FALSE(output(&wellBehaved, {u"--output"_s, path(u"Limpia.mkv"_s), movie})
+                     .contains(u"Advertencias"_s));
+    EXPECT_FALSE(output(nullptr, {englishVideo(u"Eco.mkv"_s, {u"Hello there."_s, u"How are you?"_s,
+                                                              u"Fine, thanks."_s})})
+                     .contains(u"Advertencias"_s));
 }
