@@ -4,8 +4,6 @@
 #include <QTemporaryDir>
 
 #include "VeltoKit/engines/ClaudeCLIBackend.h"
-#include "VeltoKit/engines/GeminiBackend.h"
-#include "VeltoKit/engines/OpenAICompatibleBackend.h"
 #include "VeltoKit/platform/PlatformText.h"
 #include "support/EngineTesting.h"
 #include "support/ShellScripts.h"
@@ -55,29 +53,6 @@ TEST(EngineConfiguration, SaysWhatIsMissingAndNamesItself) {
             EXPECT_EQ(fatalMessageOf([&] { row.configuration.makeBackend(); }), *row.missing);
         }
     }
-}
-
-TEST(EngineConfiguration, BuildsTheEngineOfEachFlavorWithItsAddressTrimmed) {
-    const auto http = std::make_shared<HttpClient>();
-    EXPECT_EQ(setup(Provider::local(), {}, u"m"_s).baseURL, Provider::local().defaultBaseURL);
-    const EngineConfiguration local = setup(Provider::local(), {}, u"m"_s, u" http://h:1/v1/ "_s);
-    EXPECT_EQ(local.baseURL, u" http://h:1/v1/ "_s);
-    const auto openAI =
-        std::dynamic_pointer_cast<const OpenAICompatibleBackend>(local.makeBackend(http));
-    ASSERT_TRUE(openAI);
-    EXPECT_EQ(openAI->baseUrl(), u"http://h:1/v1"_s);
-
-    const auto anthropic = std::dynamic_pointer_cast<const AnthropicBackend>(
-        setup(Provider::claude(), u"k"_s, {}).makeBackend(http));
-    ASSERT_TRUE(anthropic);
-    EXPECT_EQ(anthropic->effort(), Effort::medium);
-
-    const auto gemini = std::dynamic_pointer_cast<const GeminiBackend>(
-        setup(Provider::gemini(), u"k"_s, u"g"_s, u"https://x/v1beta/"_s).makeBackend(http));
-    ASSERT_TRUE(gemini);
-    EXPECT_EQ(gemini->baseUrl(), u"https://x/v1beta"_s);
-    EXPECT_EQ(setup(Provider::echo(), {}, {}).makeBackend(http)->label(),
-              u"Prueba (sin traducir)"_s);
 }
 
 TEST(EngineConfiguration, CachedTranslationsNeverCrossModelsOrEfforts) {
