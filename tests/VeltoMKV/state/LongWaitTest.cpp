@@ -54,7 +54,7 @@ TEST(LongWait, TimeLeftFollowsThePaceOfTheLatestBatches) {
          u"0:0/0/400 10:40/0/400 10.5:80/0/400"_s, 10.5, std::nullopt},
         {"three at once: the whole first round is the pace", 3,
          u"0:0/0/400 10:40/0/400 10:80/0/400 10:120/0/400"_s, 10, 280.0 / 12},
-        {"cache hits are no pace", 1, u"0:200/200/400 20:240/200/400"_s, 20, 80},
+        {"cache hits are no pace", 1, u"0:0/0/400 10:240/200/400"_s, 10, 40},
         {"a stalled engine makes the guess grow", 1, u"0:0/0/400 10:40/0/400"_s, 40, 360},
         {"an engine that slows down shows within a few batches", 1,
          u"0:0/0/800 10:40/0/800 20:80/0/800 30:120/0/800 40:160/0/800 60:200/0/800 "
