@@ -1,12 +1,6 @@
 #include "VeltoKit/providers/EngineConfiguration.h"
 
-#include <QDir>
-#include <QTemporaryDir>
-
-#include "VeltoKit/engines/ClaudeCLIBackend.h"
-#include "VeltoKit/platform/PlatformText.h"
 #include "support/EngineTesting.h"
-#include "support/ShellScripts.h"
 
 using namespace velto;
 using namespace velto::test;
@@ -69,23 +63,4 @@ TEST(EngineConfiguration, CachedTranslationsNeverCrossModelsOrEfforts) {
     const QString medium = scope(claude);
     claude.effort = Effort::high;
     EXPECT_NE(scope(claude), medium);
-}
-
-TEST(EngineConfiguration, FindsTheClaudeProgramWhereTheUserSaysOrExplainsWhereToSay) {
-    QTemporaryDir folder;
-    const QString binary = writeShellScript(QDir(folder.path()).filePath(u"claude"_s), {});
-
-    EngineConfiguration cli = setup(Provider::claudeCLI(), {}, {});
-    cli.cliBinaryPath = folder.path();
-    const auto backend = std::dynamic_pointer_cast<const ClaudeCLIBackend>(cli.makeBackend());
-    ASSERT_TRUE(backend);
-    EXPECT_EQ(backend->binary(), binary);
-    EXPECT_EQ(backend->model(), u"opus"_s);
-
-    cli.cliBinaryPath = QDir(folder.path()).filePath(u"nowhere/claude"_s);
-    if (ClaudeCLIBackend::locate(cli.cliBinaryPath))
-        GTEST_SKIP() << "a real claude is installed here, so it would be found";
-    EXPECT_EQ(fatalMessageOf([&] { cli.makeBackend(); }),
-              u"No encuentro el binario «claude» en "_s + PlatformText::thisComputer() +
-                  u". Si lo tenés instalado, indicá su ruta en Ajustes."_s);
 }

@@ -1,25 +1,15 @@
-// What the window tells during a long job: counts as prose, a guess at the time left, and the
-// time of the whole job when it needed a retry.
+// What the window tells during a long job: counts as prose and a guess at the time left.
 
-#include <future>
-
-#include <QDir>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
-#include "VeltoKit/providers/Provider.h"
 #include "VeltoKit/translation/TranslationProgress.h"
-#include "VeltoMKV/AppTesting.h"
-#include "VeltoMKV/state/AppState.h"
 #include "VeltoMKV/state/Format.h"
 #include "VeltoMKV/state/TimeLeft.h"
-#include "support/ChatCompletionsServer.h"
 
 using namespace velto;
-using namespace velto::AppTesting;
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -81,56 +71,6 @@ TEST(LongWait, TimeLeftFollowsThePaceOfTheLatestBatches) {
             EXPECT_NEAR(*left, *c.left, 0.01) << c.name;
         }
     }
-}
-
-// A job whose mux fails (its output folder went away) and is retried: the result counts the
-// failed leg's time too.
-TEST(LongWait, TheResultsElapsedTimeCoversTheLegsBeforeARetry) {
-    Workspace work;
-    std::promise<void> open;
-    const std::shared_future<void> opened = open.get_future().share();
-    test::ChatCompletionsServer server(
-        {.key = {}, .translate = [opened](int, const QString& text) -> QString {
-             opened.wait();
-             return u"es: "_s + text;
-         }});
-    work.preferences->setProviderIDStorage(Provider::local().id);
-    work.preferences->setBaseURL(server.baseUrl(), Provider::local());
-    work.preferences->setModel(u"modelo-a"_s, Provider::local());
-    const QString video = work.video(u"Movie.mkv"_s, {track(u"eng"_s)});
-    const QString folder = work.path(u"out"_s);
-    ASSERT_TRUE(QDir().mkpath(folder));
-
-    AppState state;
-    const auto reaches = [&](Phase::Kind kind) {
-        return QTest::qWaitFor([&] { return state.phase().kind() == kind; }, patience);
-    };
-    const auto leg = [&] {
-        state.load(video, *work.preferences);
-        ASSERT_TRUE(reaches(Phase::Kind::ready)) << state.phase().message().toStdString();
-        state.setOutputURL(folder + u"/Movie.es.mkv"_s);
-        state.start(*work.preferences);
-    };
-
-    leg();
-    // The translation waits for the server, which waits for the failed leg to have taken time.
-    ASSERT_TRUE(QTest::qWaitFor([&] { return state.elapsed() >= 3; }, patience));
-    ASSERT_TRUE(QDir(folder).removeRecursively());
-    open.set_value();
-    ASSERT_TRUE(reaches(Phase::Kind::failed));
-    const double failedLeg = state.elapsed();
-    EXPECT_GE(failedLeg, 3);
-
-    ASSERT_TRUE(QDir().mkpath(folder));
-    leg();
-    ASSERT_TRUE(reaches(Phase::Kind::finished)) << state.phase().message().toStdString();
-    ASSERT_TRUE(state.result());
-    EXPECT_GT(state.result()->elapsed, failedLeg);
-
-    // A new job starts from zero.
-    leg();
-    ASSERT_TRUE(reaches(Phase::Kind::finished)) << state.phase().message().toStdString();
-    EXPECT_LT(state.result()->elapsed, failedLeg);
 }
 
 } // namespace
