@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "VeltoKit/subtitles/AssDocument.h"
-#include "VeltoKit/subtitles/SrtDocument.h"
 
 using namespace velto;
 using namespace Qt::StringLiterals;
@@ -114,20 +113,4 @@ TEST(QualityCheck, ReadsTheTimesOfEveryDocumentKind) {
     EXPECT_EQ(cues[0].startMs, 62'500);
     EXPECT_EQ(cues[0].endMs, 64'000);
     EXPECT_EQ(cues[0].translation, u"{\\i1}Hola{\\i0}\\Namigo."_s);
-}
-
-TEST(QualityCheck, LooksOnlyAtSentCuesAndReportsAnUnreadableLineForOneReason) {
-    const SrtDocument srt = SrtDocument::parse(
-        u"1\n00:00:01,000 --> 00:00:02,000\n{\\p1}m 0 0 l 10 0{\\p0}\n\n"
-        "2\n00:00:03,000 --> 00:00:04,000\nWhere are you going now, my old friend?\n\n"
-        "3\n00:00:05,000 --> 00:00:06,000\nYes.\n\n"_s);
-    const QList<QualityFinding> findings = QualityCheck::inspect(QualityCheck::cues(
-        srt, {u"{\\p1}m 0 0 l 10 0{\\p0}"_s, u"Where are you going now, my old friend?"_s,
-              u"Sí, claro que sí, por supuesto que sí, sin ninguna duda, amigo mío."_s}));
-    QList<std::pair<QualityIssue, qint64>> seen;
-    for (const QualityFinding& finding : findings)
-        seen.append({finding.issue, finding.cue.number});
-    EXPECT_EQ(seen, (QList<std::pair<QualityIssue, qint64>>{{QualityIssue::untranslated, 2},
-                                                            {QualityIssue::readingSpeed, 3},
-                                                            {QualityIssue::lineLength, 3}}));
 }

@@ -179,22 +179,6 @@ TEST_F(MainWindowTest, AFileHandedOverStartsOnReturnEvenWhileItIsBeingRead) {
     EXPECT_TRUE(QFileInfo::exists(work.path(u"Handed.es.mkv"_s)));
 }
 
-TEST_F(MainWindowTest, TabFollowsTheReadingOrderOfTheReadyPage) {
-    openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s), track(u"fre"_s)}));
-    JobView* view = window().jobView();
-    view->trackList()->setFocus();
-    QStringList order;
-    for (int i = 0; i < 6; ++i) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        QWidget* focus = QApplication::focusWidget();
-        const auto* button = qobject_cast<QAbstractButton*>(focus);
-        order << (button ? button->text() : QString::fromLatin1(focus->metaObject()->className()));
-    }
-    EXPECT_EQ(order,
-              (QStringList{u"Opciones"_s, u"Elegir el motor de traducción"_s, u"Guardar como"_s,
-                           u"Traducir al español"_s, u"Cerrar este archivo"_s, u"QListWidget"_s}));
-}
-
 TEST_F(MainWindowTest, ASecondFileDroppedOnTheReadyWindowReplacesTheFirst) {
     openReady(work.video(u"First.mkv"_s, {track(u"eng"_s), track(u"spa"_s)}));
     JobView* view = window().jobView();
