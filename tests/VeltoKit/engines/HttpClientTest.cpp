@@ -1,6 +1,5 @@
 #include "VeltoKit/engines/HttpClient.h"
 
-
 #include "support/EngineTesting.h"
 
 using namespace velto;
