@@ -53,9 +53,6 @@ public:
     QString complete(const QString& system, const QString& prompt,
                      std::stop_token stop) const override;
 
-    Effort effort() const { return m_effort; }
-    int maxTokens() const { return m_maxTokens; }
-
 private:
     QString answerOf(const JsonReader& reply) const override;
 

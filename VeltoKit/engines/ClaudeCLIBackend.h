@@ -28,10 +28,6 @@ public:
     QString complete(const QString& system, const QString& prompt,
                      std::stop_token stop) const override;
 
-    QString binary() const { return m_binary; }
-    QString model() const { return m_model; }
-    double timeout() const { return m_timeout; }
-
 private:
     QStringList arguments(const QString& system) const;
 

@@ -1,5 +1,4 @@
 #include <QFile>
-#include <QProcess>
 
 #include <gtest/gtest.h>
 
@@ -40,15 +39,6 @@ protected:
         return QStringList{u"--provider"_s, u"custom"_s, u"--base-url"_s, server.baseUrl()} + more;
     }
 
-    // The cue texts of the Spanish track of `video`.
-    static QString spanishTrack(const QString& video) {
-        QProcess ffmpeg;
-        ffmpeg.start(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, video, u"-map"_s, u"0:s:1"_s,
-                                   u"-f"_s, u"srt"_s, u"-"_s});
-        ffmpeg.waitForFinished(-1);
-        return QString::fromUtf8(ffmpeg.readAllStandardOutput());
-    }
-
     QString m_everything;
 };
 
@@ -72,7 +62,7 @@ TEST_F(CliEngineTest, ANewUserStoresAKeyListsModelsChecksAndTranslates) {
     const Outcome translated = run(engine(
         server, {u"--model"_s, u"modelo-a"_s, u"--batch-size"_s, u"4"_s, u"--no-cache"_s, source}));
     ASSERT_EQ(translated.status, 0) << translated.err.toStdString();
-    const QString track = spanishTrack(path(u"Película.es.mkv"_s));
+    const QString track = MediaFixtures::subtitleText(path(u"Película.es.mkv"_s), 1);
     for (const QString& line : {u"es: Hello there."_s, u"es: Fine, thanks."_s, u"es: See you."_s})
         EXPECT_TRUE(track.contains(line)) << track.toStdString();
     EXPECT_FALSE(track.contains(u"think"_s)) << track.toStdString();

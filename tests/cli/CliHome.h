@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QDir>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -59,6 +61,14 @@ protected:
     CliOutcome run(const QStringList& arguments, const QByteArray& input = {}) {
         start(arguments, input);
         return finish();
+    }
+
+    // The JSON lines of an output, one object each.
+    static QList<QJsonObject> events(const QString& out) {
+        QList<QJsonObject> objects;
+        for (const QString& line : out.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+            objects.append(QJsonDocument::fromJson(line.toUtf8()).object());
+        return objects;
     }
 
     QTemporaryDir m_root;

@@ -1,6 +1,7 @@
 #include <mutex>
 
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMap>
@@ -44,8 +45,7 @@ protected:
                                          u"--output"_s, path(output)} +
                              extra + QStringList{m_video}),
                    {}};
-        for (const QString& line : run.out.split(u'\n', Qt::SkipEmptyParts))
-            run.events.append(QJsonDocument::fromJson(line.toUtf8()).object());
+        run.events = events(run.out);
         return run;
     }
 
@@ -113,22 +113,65 @@ TEST_F(CliOutcomeTest, CountsAreTheWrittenTracksAndAPartlyUntranslatedRunSaysSo)
     EXPECT_EQ(fixed.result()[u"failed"], 0);
     expectProgressMovesForward(fixed);
 
-    QProcess ffmpeg;
-    ffmpeg.start(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, path(u"Arreglada.mkv"_s), u"-map"_s,
-                               u"0:s:1"_s, u"-f"_s, u"srt"_s, u"-"_s});
-    ffmpeg.waitForFinished(-1);
-    const QString track = QString::fromUtf8(ffmpeg.readAllStandardOutput());
+    const QString track = MediaFixtures::subtitleText(path(u"Arreglada.mkv"_s), 1);
     for (const QString& line : english)
         EXPECT_TRUE(track.contains(u"es: "_s + line)) << track.toStdString();
     for (const QString& added : {u"Avisame"_s, u"duplicado"_s, u"sobra"_s})
         EXPECT_FALSE(track.contains(added)) << track.toStdString();
+}
 
-    // A model that answers every block in English translated nothing, and a script can tell.
-    ChatCompletionsServer parrot(
-        {.key = {}, .translate = [](int, const QString& text) { return text; }});
-    const CliRun untranslated = translate(parrot.baseUrl(), u"Loro.mkv"_s);
-    EXPECT_EQ(untranslated.status, 3) << untranslated.err.toStdString();
-    EXPECT_EQ(untranslated.result()[u"translated"], 0) << untranslated.out.toStdString();
-    EXPECT_EQ(untranslated.result()[u"failed"], 6);
-    expectProgressMovesForward(untranslated);
+// Exit status 3: written, with cues left in the source language.
+TEST_F(CliOutcomeTest, SaysWhichCuesToLookAtByNumberAndTimeAndStaysQuietWhenAllIsWell) {
+    const auto output = [this](const ChatCompletionsServer* server, const QStringList& arguments,
+                               int status = 0) {
+        const QStringList engine =
+            server ? QStringList{u"--provider"_s,   u"local"_s,   u"--base-url"_s,
+                                 server->baseUrl(), u"--model"_s, u"m"_s}
+                   : QStringList{u"--provider"_s, u"echo"_s};
+        const CliOutcome outcome = run(engine + arguments + QStringList{u"--no-cache"_s});
+        EXPECT_EQ(outcome.status, status) << outcome.err.toStdString();
+        return outcome.out;
+    };
+    const QStringList lines = {u"Hello there."_s, u"Where is he?"_s, u"Fine, thanks."_s,
+                               u"Come with me."_s, u"See you."_s};
+    const QString movie = englishVideo(u"Película.mkv"_s, lines);
+    ChatCompletionsServer server({.key = {}, .translate = [&](int, const QString& text) -> QString {
+                                      if (text == lines[1])
+                                          return text;
+                                      return text == lines[3] ? QString() : u"es: "_s + text;
+                                  }});
+
+    const QString human = output(&server, {movie}, 3);
+    const qsizetype done = human.indexOf(u"Escrito con subtítulos sin traducir: Película.mkv"_s);
+    ASSERT_GE(done, 0) << human.toStdString();
+    EXPECT_TRUE(human.indexOf(u"  Advertencias:\n"
+                              u"    1 subtítulo quedó sin traducir: #2 (0:01).\n"
+                              u"    1 subtítulo quedó vacío o incompleto: #4 (0:03).\n"_s) > done)
+        << human.toStdString();
+
+    QJsonArray findings;
+    for (const QJsonObject& event : events(output(&server, {u"--json"_s, movie}, 3))) {
+        if (event[u"type"] == u"quality"_s)
+            findings = event[u"findings"].toArray();
+    }
+    EXPECT_EQ(findings, (QJsonArray{QJsonObject{{u"category"_s, u"untranslated"_s},
+                                                {u"cue"_s, 2},
+                                                {u"start"_s, 1500},
+                                                {u"end"_s, 2400},
+                                                {u"source"_s, lines[1]},
+                                                {u"translation"_s, lines[1]}},
+                                    QJsonObject{{u"category"_s, u"lost"_s},
+                                                {u"cue"_s, 4},
+                                                {u"start"_s, 3500},
+                                                {u"end"_s, 4400},
+                                                {u"source"_s, lines[3]},
+                                                {u"translation"_s, u""_s}}}));
+
+    // A well-behaved engine, and the echo engine on cues it can prefix without going too fast.
+    ChatCompletionsServer wellBehaved({.key = {}});
+    EXPECT_FALSE(output(&wellBehaved, {u"--output"_s, path(u"Limpia.mkv"_s), movie})
+                     .contains(u"Advertencias"_s));
+    EXPECT_FALSE(output(nullptr, {englishVideo(u"Eco.mkv"_s, {u"Hello there."_s, u"How are you?"_s,
+                                                              u"Fine, thanks."_s})})
+                     .contains(u"Advertencias"_s));
 }

@@ -7,7 +7,7 @@
 #include <QFileInfo>
 
 #include "cli/CliHome.h"
-#include "support/ReplyingHttpServer.h"
+#include "support/ScriptedHttpServer.h"
 #include "support/ShellScripts.h"
 
 using namespace Qt::StringLiterals;
@@ -53,19 +53,18 @@ protected:
 };
 
 // Rejects every request, quoting the headers it received the way careless services do.
-ReplyingHttpServer::Reply echoHeaders(const ReplyingHttpServer::Request& request) {
+ScriptedReply echoHeaders(const ReceivedRequest& request) {
     QByteArray seen;
     for (auto it = request.headers.begin(); it != request.headers.end(); ++it)
         seen += it.key() + ": " + it.value() + " | ";
-    return {.status = 401,
-            .body = R"({"error":{"message":"Cabeceras: )" + seen + R"("}})",
-            .contentType = "application/json"};
+    return {.status = 401, .body = R"({"error":{"message":"Cabeceras: )" + seen + R"("}})"};
 }
 
 } // namespace
 
 TEST_F(CliSecretsTest, AKeyEchoedBackNeverLeavesTheProcess) {
-    ReplyingHttpServer server(echoHeaders);
+    ScriptedHttpServer server;
+    server.answerWith(echoHeaders);
     const QString claude = writeShellScript(
         path(u"claude"_s), u"cat >/dev/null\necho \"401 x-api-key: $ANTHROPIC_API_KEY\" >&2\n"
                            "echo \"clave usada: $ANTHROPIC_API_KEY\" >&2\nexit 1\n"_s);
@@ -115,7 +114,8 @@ TEST_F(CliSecretsTest, ACredentialStoreThatNeverAnswersHangsNoRun) {
         {u"--provider"_s, u"echo"_s, u"--no-cache"_s, englishVideo(u"Película.mkv"_s)});
     EXPECT_EQ(echo.status, 0) << echo.out.toStdString();
 
-    ReplyingHttpServer server(echoHeaders);
+    ScriptedHttpServer server;
+    server.answerWith(echoHeaders);
     const CliOutcome local =
         runForAMinute({u"--provider"_s, u"local"_s, u"--base-url"_s, server.baseUrl() + u"/v1"_s,
                        u"--model"_s, u"m"_s, u"--check"_s});

@@ -43,13 +43,6 @@ protected:
         }
         return found;
     }
-
-    static QList<QJsonObject> events(const QString& out) {
-        QList<QJsonObject> objects;
-        for (const QString& line : out.split(u'\n', Qt::SkipEmptyParts))
-            objects.append(QJsonDocument::fromJson(line.toUtf8()).object());
-        return objects;
-    }
 };
 
 } // namespace

@@ -181,6 +181,13 @@ QJsonArray probeStreams(const QString& path) {
     return QJsonDocument::fromJson(result.standardOutput.toUtf8())[u"streams"].toArray();
 }
 
+QString subtitleText(const QString& path, int n) {
+    return runChecked(tools().ffmpeg, words(u"-v error -i"_s)
+                                          << path << u"-map"_s << u"0:s:%1"_s.arg(n)
+                                          << words(u"-f srt -"_s))
+        .standardOutput;
+}
+
 QStringList describeTracks(const MediaInfo& info) {
     QStringList lines;
     for (const SubtitleTrack& track : info.tracks)

@@ -58,6 +58,9 @@ FFmpeg tools();
 QJsonArray probeStreams(const QString& path);
 // One line per subtitle track of `info`: "codec: summary".
 QStringList describeTracks(const MediaInfo& info);
+// The cues of subtitle stream `n` of `path` (0: its first subtitle track), as ffmpeg reads them
+// into SRT.
+QString subtitleText(const QString& path, int n);
 // `mkvmerge -J path`, the independent reading of a Matroska file.
 QJsonObject mkvmergeIdentify(const QString& path);
 // Writes `bytes` to `path`, throwing std::runtime_error on failure.

@@ -1,4 +1,3 @@
-#include <atomic>
 #include <future>
 #include <sys/resource.h>
 
@@ -11,13 +10,13 @@
 #include "VeltoKit/engines/GeminiBackend.h"
 #include "VeltoKit/engines/OpenAICompatibleBackend.h"
 #include "support/Eventually.h"
-#include "support/ReplyingHttpServer.h"
+#include "support/ScriptedHttpServer.h"
 
 using namespace Qt::StringLiterals;
 using namespace velto;
 using namespace velto::test;
 using namespace std::chrono_literals;
-using Reply = ReplyingHttpServer::Reply;
+using Reply = ScriptedReply;
 
 namespace {
 
@@ -73,26 +72,22 @@ TEST(EnginePushback, AServiceThatAsksForAPauseGetsAtLeastThatPause) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.busy.status);
-        std::atomic<int> calls = 0;
-        ReplyingHttpServer server([&](const ReplyingHttpServer::Request&) {
-            return calls++ == 0
-                       ? row.busy
-                       : Reply{.body = row.engine == Engine::gemini ? geminiAnswer : openAIAnswer};
-        });
+        ScriptedHttpServer server;
+        server.script(row.busy);
+        server.script({.body = row.engine == Engine::gemini ? geminiAnswer : openAIAnswer});
         EXPECT_EQ(ask(*engineAt(row.engine, server.baseUrl())), u"hola"_s);
-        const auto arrivals = server.arrivals();
-        ASSERT_EQ(arrivals.size(), 2);
-        EXPECT_GE(arrivals[1] - arrivals[0], row.atLeast);
+        const auto requests = server.requests();
+        ASSERT_EQ(requests.size(), 2);
+        EXPECT_GE(requests[1].arrival - requests[0].arrival, row.atLeast);
     }
 
     // A pause of an hour still ends at once when the job is cancelled.
-    ReplyingHttpServer patient([](const ReplyingHttpServer::Request&) {
-        return Reply{.status = 429, .body = "{}", .headers = {{"Retry-After", "3600"}}};
-    });
+    ScriptedHttpServer patient;
+    patient.script({.status = 429, .body = "{}", .headers = {{"Retry-After", "3600"}}}, 10);
     std::stop_source stop;
     const auto engine = engineAt(Engine::openAI, patient.baseUrl());
     auto answer = std::async(std::launch::async, [&] { return ask(*engine, stop.get_token()); });
-    ASSERT_TRUE(eventually([&] { return patient.arrivals().size() == 1; }));
+    ASSERT_TRUE(eventually([&] { return patient.hits() == 1; }));
     stop.request_stop();
     ASSERT_TRUE(eventually([&] { return answer.wait_for(0s) == std::future_status::ready; }));
     EXPECT_THROW(answer.get(), Cancelled);
@@ -115,7 +110,8 @@ TEST(EnginePushback, HugeAnswersAndErrorPagesEndInAShortSentence) {
     };
     const long before = peakKilobytes();
     for (const Row& row : rows) {
-        ReplyingHttpServer server([&](const ReplyingHttpServer::Request&) { return row.reply; });
+        ScriptedHttpServer server;
+        server.answerWith([&](const ReceivedRequest&) { return row.reply; });
         const auto engine = engineAt(Engine::openAI, server.baseUrl(),
                                      [](std::chrono::seconds, std::stop_token) {});
         QString message;

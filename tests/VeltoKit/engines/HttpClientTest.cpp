@@ -1,8 +1,5 @@
 #include "VeltoKit/engines/HttpClient.h"
 
-#include <thread>
-#include <vector>
-
 #include "support/EngineTesting.h"
 
 using namespace velto;
@@ -27,24 +24,6 @@ TEST(HttpClient, SendsALargeBodyAtOnceAndNamesItself) {
     EXPECT_EQ(received.headers.value("user-agent"), "VeltoMKV/" VELTO_VERSION);
     EXPECT_FALSE(received.headers.contains("expect")); // no 100-continue round trip
     EXPECT_EQ(received.body, body);
-}
-
-TEST(HttpClient, ReusesOneConnectionPerConcurrentRequest) {
-    ScriptedHttpServer server;
-    server.script({200, "{}"}, 60);
-    HttpClient client;
-    for (int i = 0; i < 20; ++i)
-        client.send(get(server.baseUrl()), {});
-    EXPECT_EQ(server.connections(), 1);
-    std::vector<std::jthread> threads(4);
-    for (std::jthread& thread : threads)
-        thread = std::jthread([&] {
-            for (int i = 0; i < 10; ++i)
-                client.send(get(server.baseUrl()), {});
-        });
-    threads.clear();
-    EXPECT_EQ(server.hits(), 60);
-    EXPECT_LE(server.connections(), 4);
 }
 
 TEST(HttpClient, TellsARefusedConnectionFromAServerThatNeverAnswers) {

@@ -4,7 +4,6 @@
 #include "VeltoKit/engines/GeminiBackend.h"
 #include "VeltoKit/engines/JsonReader.h"
 #include "VeltoKit/engines/OpenAICompatibleBackend.h"
-#include "VeltoKit/translation/Translator.h"
 #include "support/EngineTesting.h"
 #include "support/Eventually.h"
 
@@ -103,23 +102,6 @@ TEST_F(OpenAICompatibleEngine, PostsTheChatAndStripsThinkingButNotTheAnswer) {
     EXPECT_EQ(json(requests.at(0).body), json(R"({"model":"qwen3:8b","temperature":0.3,
         "stream":false,"messages":[{"role":"system","content":"Sos traductor."},
         {"role":"user","content":"Traducí: Hi"}]})"));
-}
-
-TEST_F(OpenAICompatibleEngine, AnswersWithWindowsOrOldMacLineEndsTranslateInOneRequest) {
-    for (const char* end : {R"(\r\n)", R"(\r)"}) {
-        SCOPED_TRACE(end);
-        server.reset();
-        server.script({200, QByteArray(R"({"choices":[{"message":{"content":"#@#1#@#%1Hola.%1)"
-                                       R"(#@#2#@#%1Chau,%1amigo.%1#@#3#@#%1¡Corré!%1"}}]})")
-                                .replace("%1", end)});
-        const auto engine = std::make_shared<OpenAICompatibleBackend>(openAI(v1()));
-        const Translator::Result result =
-            Translator(engine, u"inglés"_s, SpanishVariant::neutro, 40, 0, 1, nullptr)
-                .translateAll({u"Hi."_s, u"Bye,\nfriend."_s, u"Run!"_s}, nullptr, {});
-        EXPECT_EQ(result.translations, (QStringList{u"Hola."_s, u"Chau,\namigo."_s, u"¡Corré!"_s}));
-        EXPECT_EQ(result.warnings, QStringList());
-        EXPECT_EQ(server.hits(), 1);
-    }
 }
 
 TEST_F(OpenAICompatibleEngine, MapsEveryFailureToItsMessageAndRetriesOnlyTransientOnes) {

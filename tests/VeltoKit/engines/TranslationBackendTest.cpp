@@ -83,14 +83,3 @@ TEST(TranslationBackend, DefaultPreflightWantsPongAnywhereAndQuotesAnythingElse)
               start + QString(200, u'x'));
     EXPECT_NO_THROW(EchoBackend().preflight({}));
 }
-
-TEST(EchoBackend, EchoesTheBlocksAfterTheLastHeaderInNumberOrder) {
-    const EchoBackend echo;
-    EXPECT_EQ(echo.complete({}, u"#@#2#@#\nDos\n#@#1#@#\nUno\nDos"_s, {}),
-              u"#@#1#@#\n[ES] Uno\nDos\n#@#2#@#\n[ES] Dos"_s);
-    // Context lines and blocks quoted before the last header are never echoed.
-    const QString context = u"#@#9#@#\nviejo\nBLOQUES A TRADUCIR:\n#@#8#@#\nmedio\n"_s;
-    EXPECT_EQ(echo.complete({}, context + u"BLOQUES A TRADUCIR:\n#@#1#@#\nnuevo"_s, {}),
-              u"#@#1#@#\n[ES] nuevo"_s);
-    EXPECT_EQ(echo.complete({}, u"Sin bloques."_s, {}), QString());
-}

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "VeltoKit/subtitles/AssDocument.h"
-#include "VeltoKit/subtitles/SrtDocument.h"
 
 using namespace velto;
 using namespace Qt::StringLiterals;
@@ -89,22 +88,6 @@ TEST(QualityCheck, SpeedCountsVisibleCharactersAndLinesCountVisibleLines) {
     expectVerdicts(long_, [](const Pair& p) { return QualityCheck::hasLongLines(p.source); });
 }
 
-TEST(QualityCheck, WarningsNameUpToFiveCuesByNumberAndStartTime) {
-    auto finding = [](QualityIssue issue, qint64 number, qint64 start) {
-        return QualityFinding{issue, {.number = number, .startMs = start}};
-    };
-    EXPECT_EQ(QualityCheck::warnings({finding(QualityIssue::lineLength, 3, 0),
-                                      finding(QualityIssue::untranslated, 12, 62'999),
-                                      finding(QualityIssue::untranslated, 48, 250'000),
-                                      finding(QualityIssue::untranslated, 97, 513'000)}),
-              (QStringList{u"3 subtítulos quedaron sin traducir: #12 (1:02), #48 (4:10), "
-                           u"#97 (8:33)."_s,
-                           u"1 subtítulo tiene renglones de más de 42 caracteres o más de dos "
-                           u"renglones: #3 (0:00)."_s}));
-    // One cue, and more than five ending in "y N más": the job's own warnings show them.
-    EXPECT_EQ(QualityCheck::warnings({}), QStringList());
-}
-
 TEST(QualityCheck, ReadsTheTimesOfEveryDocumentKind) {
     EXPECT_EQ(QualityCheck::milliseconds(u"00:01:02,500"), 62'500);
     EXPECT_EQ(QualityCheck::milliseconds(u"0:01:02.50"), 62'500);
@@ -130,20 +113,4 @@ TEST(QualityCheck, ReadsTheTimesOfEveryDocumentKind) {
     EXPECT_EQ(cues[0].startMs, 62'500);
     EXPECT_EQ(cues[0].endMs, 64'000);
     EXPECT_EQ(cues[0].translation, u"{\\i1}Hola{\\i0}\\Namigo."_s);
-}
-
-TEST(QualityCheck, LooksOnlyAtSentCuesAndReportsAnUnreadableLineForOneReason) {
-    const SrtDocument srt = SrtDocument::parse(
-        u"1\n00:00:01,000 --> 00:00:02,000\n{\\p1}m 0 0 l 10 0{\\p0}\n\n"
-        "2\n00:00:03,000 --> 00:00:04,000\nWhere are you going now, my old friend?\n\n"
-        "3\n00:00:05,000 --> 00:00:06,000\nYes.\n\n"_s);
-    const QList<QualityFinding> findings = QualityCheck::inspect(QualityCheck::cues(
-        srt, {u"{\\p1}m 0 0 l 10 0{\\p0}"_s, u"Where are you going now, my old friend?"_s,
-              u"Sí, claro que sí, por supuesto que sí, sin ninguna duda, amigo mío."_s}));
-    QList<std::pair<QualityIssue, qint64>> seen;
-    for (const QualityFinding& finding : findings)
-        seen.append({finding.issue, finding.cue.number});
-    EXPECT_EQ(seen, (QList<std::pair<QualityIssue, qint64>>{{QualityIssue::untranslated, 2},
-                                                            {QualityIssue::readingSpeed, 3},
-                                                            {QualityIssue::lineLength, 3}}));
 }

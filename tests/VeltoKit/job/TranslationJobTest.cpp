@@ -1,13 +1,16 @@
 #include "VeltoKit/job/TranslationJob.h"
 
 #include <atomic>
+#include <mutex>
 
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
+#include <QMap>
 #include <QProcess>
+#include <QSet>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -42,9 +45,16 @@ public:
         }
         std::map<int, QString> blocks = BlockProtocol::split(m_echo.complete(system, prompt, stop));
         std::erase_if(blocks, [&](const auto& b) { return b.second.contains(refused); });
+        if (translate) {
+            const std::lock_guard lock(m_mutex);
+            for (auto& [number, text] : blocks)
+                text = translate(text.mid(echoMark.size()));
+        }
         return BlockProtocol::build({blocks.begin(), blocks.end()});
     }
 
+    // When set, answers each block in place of the echo, one block at a time.
+    std::function<QString(const QString& text)> translate;
     mutable std::atomic<int> calls = 0;
     mutable std::atomic<int> requestedTexts = 0;
     QString refused = u"\u0001"_s;
@@ -52,7 +62,9 @@ public:
     std::stop_source cancel;
 
 private:
+    static inline const QString echoMark = QStringLiteral("[ES] ");
     EchoBackend m_echo;
+    mutable std::mutex m_mutex;
 };
 
 SubtitleRecipe track(SubtitleFormat format, const QString& language, int lines = 3) {
@@ -251,4 +263,69 @@ TEST_F(TranslationJobTest, ACancelLeavesNothingBehindAndTheNextRunPaysOnlyForWha
     EXPECT_EQ(details(JobStage::translating),
               (QStringList{u"12 subtítulos"_s, u"5 de 12  ·  5 en caché"_s,
                            u"10 de 12  ·  5 en caché"_s, u"12 de 12  ·  5 en caché"_s}));
+}
+
+// An engine that answers some cues in English, one empty and one far too long: the review names
+// them and asks again, one by one, only those that came back untranslated or too long.
+TEST_F(TranslationJobTest, TheReviewNamesWhatTheEngineSpoiledAndAsksAgainOnlyTheUntranslated) {
+    const QStringList english = {u"Hello there."_s,
+                                 u"Where did you put the keys?"_s,
+                                 u"I left them on the table."_s,
+                                 u"We should leave before dark."_s,
+                                 u"Fine."_s,
+                                 u"See you tomorrow, then."_s};
+    // Cues of 2.5 s each, the last one past the first minute.
+    QByteArray srt;
+    const int starts[] = {0, 3, 6, 9, 12, 62};
+    for (qsizetype i = 0; i < english.size(); ++i)
+        srt += u"%1\n00:%2:%3,500 --> 00:%2:%4,000\n%5\n\n"_s.arg(i + 1)
+                   .arg(starts[i] / 60, 2, 10, QLatin1Char('0'))
+                   .arg(starts[i] % 60, 2, 10, QLatin1Char('0'))
+                   .arg(starts[i] % 60 + 3, 2, 10, QLatin1Char('0'))
+                   .arg(english[i])
+                   .toUtf8();
+    const QString source = path(u"Movie.mkv"_s);
+    MediaFixtures::writeVideo(source, {.subtitles = {{.language = u"eng"_s, .contents = srt}}});
+    ObservedEcho backend;
+    QSet<QString> seen;
+    backend.translate = [&](const QString& text) -> QString {
+        const bool first = !seen.contains(text);
+        seen.insert(text);
+        if (text == english[1] || (text == english[2] && first))
+            return text;
+        if (text == english[3])
+            return QString();
+        return text == english[4] ? u"es: "_s + u"Bien, "_s.repeated(10) : u"es: "_s + text;
+    };
+    JobOptions options;
+    options.useCache = false;
+    const JobResult result = run(source, options, backend);
+
+    // Cue 5 came back far longer than its source, twice: the track keeps its source.
+    EXPECT_EQ(result.warnings,
+              (QStringList{u"2 subtítulos quedaron sin traducir: #2 (0:03), #5 (0:12)."_s,
+                           u"1 subtítulo quedó vacío o incompleto: #4 (0:09)."_s}));
+    ASSERT_EQ(result.qualityFindings.size(), 3);
+    const CheckedCue& untranslated = result.qualityFindings[0].cue;
+    EXPECT_EQ(std::tuple(untranslated.number, untranslated.startMs, untranslated.endMs),
+              std::tuple(2, 3'500, 6'000));
+    EXPECT_EQ(untranslated.translation, english[1]);
+    EXPECT_EQ(std::pair(result.translatedCount, result.failedLines), std::pair(4LL, 2LL));
+    // One batch, and one request for each of the three cues that came back in English or too
+    // long; the asking again is a stage of its own.
+    EXPECT_EQ(backend.calls, 4);
+    EXPECT_EQ(details(JobStage::reviewing).last(), u"3 de 3"_s);
+
+    // The written track holds what the user was told, at the times named; the empty cue is
+    // not stored at all.
+    QMap<QString, QString> written;
+    const SrtDocument track = SrtDocument::parse(MediaFixtures::subtitleText(result.outputURL, 1));
+    for (const SrtCue& cue : track.cues())
+        written.insert(cue.start, cue.text);
+    EXPECT_EQ(written,
+              (QMap<QString, QString>{{u"00:00:00,500"_s, u"es: Hello there."_s},
+                                      {u"00:00:03,500"_s, english[1]},
+                                      {u"00:00:06,500"_s, u"es: I left them on the table."_s},
+                                      {u"00:00:12,500"_s, english[4]},
+                                      {u"00:01:02,500"_s, u"es: See you tomorrow, then."_s}}));
 }

@@ -18,8 +18,6 @@
 using namespace velto;
 using namespace velto::MediaFixtures;
 using namespace Qt::StringLiterals;
-using testing::AllOf;
-using testing::EndsWith;
 using testing::StartsWith;
 
 namespace {
@@ -193,25 +191,4 @@ TEST_F(FFmpegTest, ExtractThenMuxKeepsEverythingAndAddsOneSpanishTrackFlaggedAsA
         "La salida no puede ser el mismo archivo que la entrada.");
     EXPECT_EQ(readFile(richMkv()), sourceBytes);
     EXPECT_EQ(QFileInfo(richMkv()).lastModified(), sourceTime);
-}
-
-// A mux cut short, by a cancel or by ffmpeg killed, is tried through veltomkv-cli
-// (tests/cli/CliTest.cpp, NothingIsLeftBehindHoweverTheMuxEnds).
-TEST_F(FFmpegTest, MuxRunsTheDocumentedCommandIntoAHiddenFileBesideTheOutput) {
-    // The real ffmpeg, behind a wrapper that records its arguments.
-    const QString wrapper = writeShellScript(
-        path(u"ffmpeg"_s),
-        u"echo \"$*\" > '%1/args'; exec '%2' \"$@\""_s.arg(m_dir.path(), tools().ffmpeg));
-    const QString srt = path(u"es.srt"_s);
-    writeFile(srt, srtText({u"Hola"_s}));
-    FFmpeg{wrapper, {}}.mux(richMkv(), srt, path(u"out/in.es.mkv"_s), 5, {});
-    EXPECT_EQ(entries(path(u"out"_s)), QStringList{u"in.es.mkv"_s});
-    const QString arguments = QString::fromUtf8(readFile(path(u"args"_s)).trimmed());
-    const QString temporary = arguments.section(u' ', -1);
-    EXPECT_EQ(arguments,
-              u"-y -v error -i %1 -sub_charenc UTF-8 -i %2 -map 0 -map 1:0 -c copy "
-              "-map_metadata 0 -map_chapters 0 -metadata:s:s:5 language=spa "
-              "-metadata:s:s:5 title= -disposition:s:5 0 %3"_s.arg(richMkv(), srt, temporary));
-    EXPECT_THAT(temporary.toStdString(),
-                AllOf(StartsWith(path(u"out/.in.es."_s).toStdString()), EndsWith(".mkv")));
 }

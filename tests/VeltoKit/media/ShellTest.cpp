@@ -82,29 +82,6 @@ TEST(Shell, RunsInTheGivenFolderWithThePathWidenedByTheLoginShellsAndReportsTheS
     EXPECT_EQ(lines.value(1).split(u':'), path);
 }
 
-TEST(Shell, StartsTheLoginShellOnlyForAChildThatNeedsItAndOnlyOnce) {
-    if (Shell::loginShellPathsKnown())
-        GTEST_SKIP() << "an earlier test of this process read the login shell already";
-    QTemporaryDir dir;
-    const QString log = dir.filePath(u"started"_s);
-    const QByteArray shell = qgetenv("SHELL");
-    qputenv("SHELL", writeShellScript(dir.filePath(u"login"_s),
-                                      u"echo x >> '%1'; echo /velto/login/bin"_s.arg(log))
-                         .toUtf8());
-    const auto childPath = [](bool loginShellPath) {
-        ShellRunOptions options;
-        options.loginShellPath = loginShellPath;
-        return runSh(u"echo \"$PATH\""_s, options).standardOutput.trimmed().split(u':');
-    };
-    // Each row: whether the child asks for the login shell's PATH, whether its PATH has it.
-    const std::pair<bool, bool> rows[] = {
-        {false, false}, {true, true}, {false, true}, {true, true}};
-    for (const auto& [asks, has] : rows)
-        EXPECT_EQ(childPath(asks).contains(u"/velto/login/bin"_s), has) << asks;
-    shell.isNull() ? qunsetenv("SHELL") : qputenv("SHELL", shell);
-    EXPECT_EQ(MediaFixtures::readFile(log), "x\n"_ba);
-}
-
 TEST(Shell, PipesCarryMegabytesBothWaysFromSeveralThreadsAtOnce) {
     QString errors[3];
     {
@@ -152,11 +129,4 @@ TEST(Shell, TimeLimitAndCancellingKillTheChild) {
     EXPECT_EQ(failureText([&] { runSh(u"touch '%1'"_s.arg(ran), {}, runner.get_stop_token()); }),
               "Operación cancelada.");
     EXPECT_FALSE(QFile::exists(ran));
-}
-
-TEST(Shell, LastLinesKeepsTheEndOfTheText) {
-    EXPECT_EQ(Shell::lastLines(u"a\nb\nc\n"_s, 2), u"b\nc"_s);
-    EXPECT_EQ(Shell::lastLines(u"a\n\nc"_s, 2), u"\nc"_s);
-    EXPECT_EQ(Shell::lastLines(u"a\nb"_s, 12), u"a\nb"_s);
-    EXPECT_EQ(Shell::lastLines(u"a\nb"_s, 0), QString());
 }

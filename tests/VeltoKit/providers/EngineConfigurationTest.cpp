@@ -1,14 +1,6 @@
 #include "VeltoKit/providers/EngineConfiguration.h"
 
-#include <QDir>
-#include <QTemporaryDir>
-
-#include "VeltoKit/engines/ClaudeCLIBackend.h"
-#include "VeltoKit/engines/GeminiBackend.h"
-#include "VeltoKit/engines/OpenAICompatibleBackend.h"
-#include "VeltoKit/platform/PlatformText.h"
 #include "support/EngineTesting.h"
-#include "support/ShellScripts.h"
 
 using namespace velto;
 using namespace velto::test;
@@ -57,29 +49,6 @@ TEST(EngineConfiguration, SaysWhatIsMissingAndNamesItself) {
     }
 }
 
-TEST(EngineConfiguration, BuildsTheEngineOfEachFlavorWithItsAddressTrimmed) {
-    const auto http = std::make_shared<HttpClient>();
-    EXPECT_EQ(setup(Provider::local(), {}, u"m"_s).baseURL, Provider::local().defaultBaseURL);
-    const EngineConfiguration local = setup(Provider::local(), {}, u"m"_s, u" http://h:1/v1/ "_s);
-    EXPECT_EQ(local.baseURL, u" http://h:1/v1/ "_s);
-    const auto openAI =
-        std::dynamic_pointer_cast<const OpenAICompatibleBackend>(local.makeBackend(http));
-    ASSERT_TRUE(openAI);
-    EXPECT_EQ(openAI->baseUrl(), u"http://h:1/v1"_s);
-
-    const auto anthropic = std::dynamic_pointer_cast<const AnthropicBackend>(
-        setup(Provider::claude(), u"k"_s, {}).makeBackend(http));
-    ASSERT_TRUE(anthropic);
-    EXPECT_EQ(anthropic->effort(), Effort::medium);
-
-    const auto gemini = std::dynamic_pointer_cast<const GeminiBackend>(
-        setup(Provider::gemini(), u"k"_s, u"g"_s, u"https://x/v1beta/"_s).makeBackend(http));
-    ASSERT_TRUE(gemini);
-    EXPECT_EQ(gemini->baseUrl(), u"https://x/v1beta"_s);
-    EXPECT_EQ(setup(Provider::echo(), {}, {}).makeBackend(http)->label(),
-              u"Prueba (sin traducir)"_s);
-}
-
 TEST(EngineConfiguration, CachedTranslationsNeverCrossModelsOrEfforts) {
     const auto scope = [](EngineConfiguration configuration) {
         return configuration.makeBackend()->cacheScope();
@@ -94,23 +63,4 @@ TEST(EngineConfiguration, CachedTranslationsNeverCrossModelsOrEfforts) {
     const QString medium = scope(claude);
     claude.effort = Effort::high;
     EXPECT_NE(scope(claude), medium);
-}
-
-TEST(EngineConfiguration, FindsTheClaudeProgramWhereTheUserSaysOrExplainsWhereToSay) {
-    QTemporaryDir folder;
-    const QString binary = writeShellScript(QDir(folder.path()).filePath(u"claude"_s), {});
-
-    EngineConfiguration cli = setup(Provider::claudeCLI(), {}, {});
-    cli.cliBinaryPath = folder.path();
-    const auto backend = std::dynamic_pointer_cast<const ClaudeCLIBackend>(cli.makeBackend());
-    ASSERT_TRUE(backend);
-    EXPECT_EQ(backend->binary(), binary);
-    EXPECT_EQ(backend->model(), u"opus"_s);
-
-    cli.cliBinaryPath = QDir(folder.path()).filePath(u"nowhere/claude"_s);
-    if (ClaudeCLIBackend::locate(cli.cliBinaryPath))
-        GTEST_SKIP() << "a real claude is installed here, so it would be found";
-    EXPECT_EQ(fatalMessageOf([&] { cli.makeBackend(); }),
-              u"No encuentro el binario «claude» en "_s + PlatformText::thisComputer() +
-                  u". Si lo tenés instalado, indicá su ruta en Ajustes."_s);
 }

@@ -52,36 +52,3 @@ TEST(TranslationCache, KeepsOnlyThisRunsEntriesAndReadsBackWhatItWrote) {
     EXPECT_EQ(reopened.count(), 1);
     EXPECT_EQ(reopened.get(cache.key(u"Run!"_s)), nasty);
 }
-
-TEST(TranslationCache, FlushIfDueWritesAtMostOncePerIntervalAndOnlyChanges) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath(u"video.json"_s);
-    const auto stored = [&] { return TranslationCache(path, u"s"_s).count(); };
-    TranslationCache cache(path, u"s"_s);
-    const TranslationCache::Clock::time_point start;
-    const auto interval = TranslationCache::flushInterval;
-    cache.flushIfDue(start);
-    EXPECT_FALSE(QFile::exists(path));
-    const std::pair<TranslationCache::Clock::duration, qsizetype> rows[] = {
-        {{}, 1},       {interval / 2, 1},     {interval - std::chrono::nanoseconds(1), 1},
-        {interval, 4}, {interval * 3 / 2, 4}, {interval * 2, 6}};
-    for (const auto& [after, expected] : rows) {
-        cache.put(QString::number(cache.count()), u"v"_s);
-        cache.flushIfDue(start + after);
-        EXPECT_EQ(stored(), expected) << after.count();
-    }
-    // Nothing new: nothing written.
-    ASSERT_TRUE(QFile::remove(path));
-    cache.flushIfDue(start + interval * 10);
-    EXPECT_FALSE(QFile::exists(path));
-}
-
-TEST(TranslationCache, ClearAllRemovesOnlyFilesEndingInLowerCaseJson) {
-    QTemporaryDir dir;
-    for (const char* name : {"a.json", "b.JSON", "notes.txt", "c.json.bak"})
-        writeFile(dir.filePath(QString::fromUtf8(name)), "{}");
-    ASSERT_TRUE(QDir(dir.path()).mkdir(u"sub.json"_s));
-    TranslationCache::clearAll(dir.path());
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name),
-              (QStringList{u"b.JSON"_s, u"c.json.bak"_s, u"notes.txt"_s, u"sub.json"_s}));
-}

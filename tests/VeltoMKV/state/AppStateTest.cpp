@@ -104,11 +104,4 @@ TEST_F(AppStateTest, JobRefusalsAndEngineFailuresEndInTheFailedPhase) {
     EXPECT_FALSE(state.hasTask());
 }
 
-TEST_F(AppStateTest, StartWithoutAFileDoesNothing) {
-    state.start(*work.preferences);
-    state.cancel();
-    EXPECT_EQ(state.phase().kind(), Kind::idle);
-    EXPECT_TRUE(phases.isEmpty());
-}
-
 } // namespace

@@ -14,7 +14,6 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSemaphore>
-#include <QSettings>
 #include <QSpinBox>
 #include <QTest>
 #include <QToolButton>
@@ -24,8 +23,7 @@
 
 #include "VeltoKit/platform/Keychain.h"
 #include "VeltoKit/providers/Provider.h"
-#include "VeltoMKV/AppShell.h"
-#include "VeltoMKV/AppTesting.h"
+#include "VeltoMKV/DropZone.h"
 #include "VeltoMKV/ElidingLabel.h"
 #include "VeltoMKV/EngineLine.h"
 #include "VeltoMKV/FailureView.h"
@@ -38,6 +36,7 @@
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
 #include "VeltoMKV/window/Answer.h"
+#include "VeltoMKV/window/AppWindow.h"
 #include "support/ChatCompletionsServer.h"
 #include "support/SecretService.h"
 
@@ -46,8 +45,6 @@ using namespace velto::AppTesting;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-using Kind = Phase::Kind;
 
 // Twelve cues, the ninth in italics: the live lines show it as plain text.
 const QStringList film = [] {
@@ -64,40 +61,9 @@ QList<TranslatedLine> translated(qsizetype from, qsizetype count) {
     return lines;
 }
 
-// The application as a new user meets it: throwaway preferences on the echo engine.
-class FirstRunTest : public ::testing::Test {
+// The application as a new user meets it.
+class FirstRunTest : public AppWindowTest {
 protected:
-    FirstRunTest() { start(); }
-
-    void start() {
-        shell = std::make_unique<AppShell>(
-            std::make_unique<QSettings>(settingsFolder.filePath(u"VeltoMKV.ini"_s),
-                                        QSettings::IniFormat),
-            [](const QString&) { return QString(); });
-        QStandardPaths::setTestModeEnabled(true);
-        shell->preferences().setProviderIDStorage(u"echo"_s);
-        shell->preferences().setUseCache(false);
-        shell->show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(&window()));
-    }
-
-    MainWindow& window() { return shell->window(); }
-    AppState& state() { return shell->state(); }
-    bool reaches(Kind kind) {
-        return QTest::qWaitFor([&] { return state().phase().kind() == kind; }, patience);
-    }
-    void openReady(const QString& video) {
-        window().openFile(video);
-        ASSERT_TRUE(reaches(Kind::ready)) << state().phase().message().toStdString();
-    }
-    void snapshot(const QString& name) {
-        QApplication::processEvents();
-        const QString folder = QStringLiteral(VELTO_BINARY_DIR "/screenshots");
-        QDir().mkpath(folder);
-        const int scale = qRound(window().devicePixelRatioF() * 100);
-        EXPECT_TRUE(window().grab().save(folder + u"/main-"_s + name + u'-' +
-                                         QString::number(scale) + u".png"_s));
-    }
     // Buttons and toggles of the page on show that lie, even partly, beyond the window's sides
     // where no scroll bar reaches them.
     QStringList controlsOutside() {
@@ -117,10 +83,6 @@ protected:
         }
         return outside;
     }
-
-    QTemporaryDir settingsFolder;
-    Workspace work;
-    std::unique_ptr<AppShell> shell;
 };
 
 TEST_F(FirstRunTest, ALongNameShortensInItsMiddleAndNoControlLeavesTheWindow) {
@@ -141,10 +103,8 @@ TEST_F(FirstRunTest, ALongNameShortensInItsMiddleAndNoControlLeavesTheWindow) {
     title->repaint();
     EXPECT_EQ(title->toolTip(), name);
     EXPECT_EQ(controlsOutside(), QStringList());
-    snapshot(u"long-name"_s);
     window().jobView()->optionsDisclosure()->click();
     EXPECT_EQ(controlsOutside(), QStringList());
-    snapshot(u"long-name-options"_s);
 
     shell->settings().present();
     auto* settings = window().findChild<SettingsDialog*>();
@@ -208,7 +168,6 @@ TEST_F(FirstRunTest, TheProgressPageShowsTheLatestLinesAndTheTimeLeftWithoutMovi
     EXPECT_EQ(page->liveLines()->shown(), latest);
     EXPECT_EQ(page->bar()->mapTo(&window(), QPoint()), barBefore);
     EXPECT_EQ(window().windowTitle(), u"83 % · VeltoMKV"_s);
-    snapshot(u"working-lines"_s);
 
     permits.release(int(film.size()));
     ASSERT_TRUE(reaches(Kind::finished)) << state().phase().message().toStdString();
@@ -269,7 +228,7 @@ TEST_F(FirstRunTest, TheFolderAndTheSizeAreThereNextTimeAndQtsDialogsSpeakSpanis
     shell.reset();
     start();
     EXPECT_EQ(window().size(), size);
-    EXPECT_EQ(shell->preferences().lastFolder(), QFileInfo(work.path(u"Movie.mkv"_s)).path());
+    EXPECT_EQ(preferences().lastFolder(), QFileInfo(work.path(u"Movie.mkv"_s)).path());
 
     QDialogButtonBox buttons(QDialogButtonBox::Cancel | QDialogButtonBox::Save);
     if (QLocale().language() != QLocale::Spanish &&
@@ -299,19 +258,53 @@ TEST_F(FirstRunTest, AKeyIsReadForEveryProviderThatCanSendOne) {
     }
 }
 
+// A new user on Claude: the start page says what the engine lacks, one click from the
+// settings, and a small window scrolls to that click without covering the heading.
 TEST_F(FirstRunTest, TheStartPageSaysWhatTheEngineLacksOneClickFromTheSettings) {
-    shell->preferences().setProviderIDStorage(Provider::claude().id);
+    preferences().setProviderIDStorage(Provider::claude().id);
     EngineLine* engine = window().startEngine();
     ASSERT_TRUE(engine->isVisible());
     EXPECT_TRUE(engine->text()->text().startsWith(u"Falta la API key de Claude"_s))
         << engine->text()->text().toStdString();
-    snapshot(u"first-launch"_s);
     QTest::mouseClick(engine->chooseButton(), Qt::LeftButton);
     auto* settings = window().findChild<SettingsDialog*>();
     ASSERT_TRUE(settings && settings->isVisible());
     settings->close();
+
+    window().setMinimumSize(0, 0);
+    window().resize(300, 260);
+    QApplication::processEvents();
+    auto* area = window().dropZone()->findChild<QScrollArea*>();
+    ASSERT_TRUE(area);
+    area->ensureWidgetVisible(engine->chooseButton());
+    QApplication::processEvents();
+    const QRect shown(engine->chooseButton()->mapTo(&window(), QPoint(0, 0)),
+                      engine->chooseButton()->size());
+    EXPECT_TRUE(window().rect().contains(shown)) << shown.x() << ',' << shown.y();
+    QLabel* heading = withText<QLabel>(*window().dropZone(), u"Arrastrá un video acá"_s);
+    QLabel* icon = nullptr;
+    for (QLabel* label : window().dropZone()->findChildren<QLabel*>()) {
+        if (!label->pixmap().isNull() && !icon)
+            icon = label;
+    }
+    ASSERT_TRUE(heading && icon);
+    EXPECT_LE(icon->geometry().bottom(), heading->geometry().top());
+
     openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
     EXPECT_FALSE(engine->isVisible());
+}
+
+// A credential store that keeps silent is named instead of a missing key.
+class SilentStoreTest : public AppWindowTest {
+protected:
+    SilentStoreTest()
+        : AppWindowTest([](const QString&) -> QString { throw KeychainError(silentStore); }) {}
+    static inline const QString silentStore = u"El llavero del sistema no respondió a tiempo."_s;
+};
+
+TEST_F(SilentStoreTest, TheStartPageNamesItInsteadOfAMissingKey) {
+    preferences().setProviderIDStorage(Provider::claude().id);
+    EXPECT_EQ(window().startEngine()->text()->text(), silentStore);
 }
 
 // The options panel: the wheel turns only a focused control; emptying the cache asks first,
@@ -324,7 +317,8 @@ TEST_F(FirstRunTest, OptionsTurnOnlyWithFocusAndEmptyTheCacheAfterAsking) {
         file.write(QByteArray(2048, 'x'));
     };
     write(u"peli.json"_s);
-    write(u"notas.txt"_s);
+    for (const QString& other : {u"notas.txt"_s, u"c.json.bak"_s})
+        write(other);
     openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
     window().jobView()->optionsDisclosure()->click();
     auto* options = window().jobView()->findChild<OptionsPanel*>();
@@ -360,10 +354,12 @@ TEST_F(FirstRunTest, OptionsTurnOnlyWithFocusAndEmptyTheCacheAfterAsking) {
         EXPECT_EQ(reply.question(), u"¿Vacío la caché de traducciones?"_s);
         EXPECT_EQ(cache.exists(u"peli.json"_s), !emptied) << answer.toStdString();
     }
-    EXPECT_TRUE(cache.exists(u"notas.txt"_s));
+    EXPECT_EQ(cache.entryList(QDir::Files, QDir::Name),
+              (QStringList{u"c.json.bak"_s, u"notas.txt"_s}));
     EXPECT_EQ(options->cacheSize()->text(), u"La caché está vacía."_s);
     EXPECT_FALSE(options->emptyCacheButton()->isEnabled());
-    QFile::remove(cache.filePath(u"notas.txt"_s));
+    for (const QString& other : cache.entryList(QDir::Files))
+        QFile::remove(cache.filePath(other));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "VeltoMKV/SettingsDialog.h"
 
+#include <QAction>
 #include <QComboBox>
 #include <QDir>
 #include <QLabel>
@@ -7,6 +8,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QSettings>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -66,17 +68,16 @@ protected:
         QTest::keyClick(edit, Qt::Key_Return);
     }
 
-    // Waits for a label showing exactly `text`.
+    // Whether a label on show starts with `text`; shows() waits for one.
+    bool showing(const QString& text) {
+        for (QLabel* label : dialog->findChildren<QLabel*>()) {
+            if (label->text().startsWith(text) && label->isVisibleTo(dialog.get()))
+                return true;
+        }
+        return false;
+    }
     bool shows(const QString& text) {
-        return QTest::qWaitFor(
-            [&] {
-                for (QLabel* label : dialog->findChildren<QLabel*>()) {
-                    if (label->text() == text && label->isVisibleTo(dialog.get()))
-                        return true;
-                }
-                return false;
-            },
-            AppTesting::patience);
+        return QTest::qWaitFor([&] { return showing(text); }, AppTesting::patience);
     }
 
     QTemporaryDir folder;
@@ -91,6 +92,20 @@ TEST_F(SettingsDialogTest, ALocalServerIsFoundSearchedChosenAndTested) {
     ChatCompletionsServer server({.key = {}});
     choose(Provider::local());
     EXPECT_EQ(preferences->providerIDStorage(), u"local"_s);
+    EXPECT_TRUE(shows(u"«Buscar» le pregunta a Modelo local qué modelos tiene instalados."_s));
+    // The eye says what a click does: its picture changes with the key's visibility.
+    QLineEdit* key = field<QLineEdit>(u"API key"_s);
+    ASSERT_TRUE(key && key->actions().value(0));
+    const QImage hidden = key->actions()[0]->icon().pixmap(32).toImage();
+    key->actions()[0]->trigger();
+    EXPECT_EQ(key->echoMode(), QLineEdit::Normal);
+    EXPECT_NE(key->actions()[0]->icon().pixmap(32).toImage(), hidden);
+
+    // Choosing an address of its own keeps the choice.
+    QComboBox* presets = field<QComboBox>(u"Servidor"_s);
+    presets->setCurrentIndex(presets->findText(u"Personalizado"_s));
+    emit presets->activated(presets->currentIndex());
+    EXPECT_EQ(presets->currentText(), u"Personalizado"_s);
     type(field<QLineEdit>(u"Dirección"_s), server.baseUrl());
     EXPECT_EQ(preferences->baseURL(Provider::local()), server.baseUrl());
     EXPECT_TRUE(shows(u"Elegí un modelo en Ajustes: apretá «Buscar» para ver los que ofrece "
@@ -154,6 +169,11 @@ TEST_F(SettingsDialogTest, TheClaudeProgramShowsOnlyItsOwnSettings) {
     field<QComboBox>(u"Modelo del CLI"_s)->setCurrentIndex(0);
     emit field<QComboBox>(u"Modelo del CLI"_s)->activated(0);
     EXPECT_EQ(preferences->cliModel(), u"opus"_s);
+    // A program that is not there is never also ready to translate.
+    if (QStandardPaths::findExecutable(u"claude"_s).isEmpty()) {
+        ASSERT_TRUE(shows(u"No encuentro el binario"_s));
+        EXPECT_FALSE(showing(u"Listo para traducir"_s));
+    }
     for (const QString& hidden : {u"API key"_s, u"Dirección"_s, u"Modelo"_s}) {
         for (QWidget* widget : dialog->findChildren<QWidget*>()) {
             if (widget->accessibleName() == hidden) {
