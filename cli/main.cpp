@@ -8,6 +8,7 @@
 #include "VeltoKit/media/ShellError.h"
 #include "VeltoKit/platform/Keychain.h"
 #include "VeltoKit/providers/ModelDiscovery.h"
+#include "VeltoKit/providers/ModelPrices.h"
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoKit/translation/TranslationBackend.h"
 #include "cli/CliOptions.h"
@@ -85,9 +86,9 @@ int translate(const CliOptions& options, const EngineConfiguration& engine) {
                                                                        : QStringLiteral("ffmpeg");
         return failWith(ShellError::notFound(missing).description());
     }
-    // Listing tracks asks no engine, so it needs none configured.
+    // Listing tracks and estimating ask no engine, so they need none configured.
     std::shared_ptr<const TranslationBackend> backend;
-    if (!options.listTracks) {
+    if (!options.listTracks && !options.estimate) {
         backend = makeBackend(engine);
         if (!backend)
             return jobFailed;
@@ -117,7 +118,15 @@ int execute(const CliOptions& options) {
         return listModels(engine);
     if (options.check)
         return check(engine);
-    return translate(options, engine);
+    CliOptions priced = options;
+    priced.job.price =
+        options.price ? options.price
+                      : ModelPrices::resolve(engine.provider, engine.model, engine.baseURL,
+                                             preferences.userPrice(engine.provider, engine.model))
+                            .price;
+    if (!priced.job.maxCost)
+        priced.job.maxCost = preferences.maxCost();
+    return translate(priced, engine);
 }
 
 } // namespace

@@ -47,6 +47,16 @@ QString JsonReader::requiredString(QStringView key) const {
                     QStringLiteral("»."));
 }
 
+std::optional<qint64> JsonReader::integer(QStringView key) const {
+    const QJsonValue value = member(key);
+    if (value.isUndefined())
+        return std::nullopt;
+    const double number = value.toDouble(-1);
+    if (!value.isDouble() || number != static_cast<double>(static_cast<qint64>(number)))
+        throw wrongType(key);
+    return static_cast<qint64>(number);
+}
+
 std::optional<JsonReader> JsonReader::object(QStringView key) const {
     const QJsonValue value = member(key);
     if (value.isUndefined())

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include "VeltoKit/job/TokenPrice.h"
 #include "VeltoKit/translation/SpanishVariant.h"
 
 namespace velto {
@@ -29,6 +30,10 @@ struct JobOptions {
     std::optional<qint64> forcedTrackIndex;
     // Translate even when the file already has full Spanish subtitles.
     bool force = false;
+    // What the engine charges; absent when unknown. Free engines cost 0.
+    std::optional<TokenPrice> price;
+    // US dollars the job may spend at most; absent: no cap.
+    std::optional<double> maxCost;
 };
 
 } // namespace velto

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <optional>
+
 #include <QList>
 #include <QString>
 #include <QStringList>
 
 #include "VeltoKit/job/QualityFinding.h"
 #include "VeltoKit/media/SubtitleTrack.h"
+#include "VeltoKit/translation/TokenUsage.h"
 
 namespace velto {
 
@@ -24,6 +27,11 @@ struct JobResult {
     QList<SubtitleTrack> finalTracks;
     // Cues a viewer would trip over, in cue order; `warnings` sums them up.
     QList<QualityFinding> qualityFindings;
+    // What the engine's requests took, and what they cost in US dollars (absent when the
+    // price is unknown).
+    TokenUsage usage;
+    qint64 requests = 0;
+    std::optional<double> cost;
 };
 
 } // namespace velto
