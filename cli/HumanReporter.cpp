@@ -8,7 +8,7 @@
 #include "VeltoKit/job/CostEstimate.h"
 #include "VeltoKit/job/JobResult.h"
 #include "VeltoKit/job/JobUpdate.h"
-#include "VeltoKit/job/Money.h"
+#include "VeltoKit/job/UsageSummary.h"
 #include "VeltoKit/media/MediaInfo.h"
 #include "cli/TerminalText.h"
 
@@ -108,17 +108,6 @@ void HumanReporter::tracks(const QString& video, const MediaInfo& info) {
     writeText(m_out, text);
 }
 
-QString HumanReporter::usageText(const JobResult& result) {
-    QString text = QString::number(result.usage.input) + QStringLiteral(" tokens de entrada y ") +
-                   QString::number(result.usage.output) + QStringLiteral(" de salida en ") +
-                   QString::number(result.requests) +
-                   (result.requests == 1 ? QStringLiteral(" pedido") : QStringLiteral(" pedidos"));
-    if (!result.cost)
-        return text + QStringLiteral(" (precio desconocido)");
-    return text + QStringLiteral(": ") +
-           (*result.cost == 0 ? QStringLiteral("sin costo") : Money::usd(*result.cost));
-}
-
 void HumanReporter::estimated(const QString& video, const CostEstimate& estimate) {
     const std::lock_guard lock(m_mutex);
     clearStatusLine();
@@ -152,7 +141,7 @@ void HumanReporter::finished(const QString& video, const JobResult& result) {
         counts.append(QString::number(result.failedLines) + QStringLiteral(" sin traducir"));
     counts.append(secondsText(result.elapsed));
     if (result.requests > 0)
-        counts.append(usageText(result));
+        counts.append(UsageSummary::of(result));
 
     // A track partly in the source language is no "Listo".
     const QString outcome = result.failedLines > 0

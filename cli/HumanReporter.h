@@ -32,7 +32,6 @@ public:
 
 private:
     QString statusLine(const JobUpdate& update) const;
-    static QString usageText(const JobResult& result);
     void drawStatusLine();
     void clearStatusLine();
     void tick(std::stop_token stop);

@@ -120,10 +120,13 @@ int execute(const CliOptions& options) {
         return check(engine);
     CliOptions priced = options;
     priced.job.price =
-        options.price ? options.price
-                      : ModelPrices::resolve(engine.provider, engine.model, engine.baseURL,
-                                             preferences.userPrice(engine.provider, engine.model))
-                            .price;
+        options.price
+            ? options.price
+            : ModelPrices::resolve(
+                  engine.provider, engine.model, engine.baseURL,
+                  preferences.userPrice(engine.provider,
+                                        ModelPrices::billedModel(engine.provider, engine.model)))
+                  .price;
     if (!priced.job.maxCost)
         priced.job.maxCost = preferences.maxCost();
     return translate(priced, engine);

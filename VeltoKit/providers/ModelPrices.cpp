@@ -49,6 +49,12 @@ std::optional<TokenPrice> ModelPrices::known(const Provider& provider, const QSt
     return best ? std::optional(best->price) : std::nullopt;
 }
 
+QString ModelPrices::billedModel(const Provider& provider, const QString& model) {
+    if (model.isEmpty() && provider.flavor == Provider::Flavor::anthropic)
+        return AnthropicBackend::defaultModel();
+    return model;
+}
+
 bool ModelPrices::isFree(const Provider& provider, const QString& baseURL) {
     if (provider.flavor == Provider::Flavor::echo || provider.flavor == Provider::Flavor::claudeCLI)
         return true;
@@ -65,9 +71,7 @@ ModelPrices::Lookup ModelPrices::resolve(const Provider& provider, const QString
         return {Source::free, TokenPrice{}};
     if (userPrice)
         return {Source::user, userPrice};
-    // An empty Claude model runs the default one.
-    const bool defaulted = model.isEmpty() && provider.flavor == Provider::Flavor::anthropic;
-    if (const auto price = known(provider, defaulted ? AnthropicBackend::defaultModel() : model))
+    if (const auto price = known(provider, billedModel(provider, model)))
         return {Source::table, price};
     return {};
 }

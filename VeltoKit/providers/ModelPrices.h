@@ -37,6 +37,8 @@ public:
     // The table's price of `model` at `provider`: the entry of the same id, or of the longest id
     // that `model` extends with a dated or tagged suffix ("claude-haiku-4-5-20251001").
     static std::optional<TokenPrice> known(const Provider& provider, const QString& model);
+    // The model a job runs: the one given, or Claude's default when none is.
+    static QString billedModel(const Provider& provider, const QString& model);
     // The echo engine, the claude program and servers on this machine: nothing to pay.
     static bool isFree(const Provider& provider, const QString& baseURL);
     // The price a job goes by: free, else the user's, else the table's, else unknown.

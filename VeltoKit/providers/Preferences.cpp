@@ -317,7 +317,7 @@ void Preferences::setUserPrice(const Provider& provider, const QString& model,
 ModelPrices::Lookup Preferences::price() const {
     const Provider& chosen = provider();
     return ModelPrices::resolve(chosen, model(chosen), baseURL(chosen),
-                                userPrice(chosen, model(chosen)));
+                                userPrice(chosen, ModelPrices::billedModel(chosen, model(chosen))));
 }
 
 std::optional<double> Preferences::maxCost() const {
