@@ -90,11 +90,14 @@ void CostSettings::refresh() {
     const Provider& provider = m_preferences.provider();
     const QString model = shownModel(m_preferences);
     const ModelPrices::Lookup price = m_preferences.price();
+    const bool ownSession =
+        provider.flavor == Provider::Flavor::echo || provider.flavor == Provider::Flavor::claudeCLI;
     const bool free = price.source == ModelPrices::Source::free;
-    m_heading->setText(free || model.isEmpty() ? QStringLiteral("Costo")
-                                               : QStringLiteral("Precio de «") + model +
-                                                     QStringLiteral("» por millón de tokens"));
-    m_prices->setVisible(!free && !model.isEmpty());
+    m_heading->setText(ownSession || model.isEmpty()
+                           ? QStringLiteral("Costo")
+                           : QStringLiteral("Precio de «") + model +
+                                 QStringLiteral("» por millón de tokens"));
+    m_prices->setVisible(!ownSession && !model.isEmpty());
     const std::optional<TokenPrice> known = ModelPrices::known(provider, model);
     m_reset->setVisible(price.source == ModelPrices::Source::user && known);
     for (auto [box, value] :
@@ -104,9 +107,11 @@ void CostSettings::refresh() {
         box->setValue(value);
     }
     QString note;
-    if (free)
-        note =
-            QStringLiteral("Sin costo: este motor corre en esta máquina o con tu propia sesión.");
+    if (ownSession)
+        note = QStringLiteral("Sin costo: este motor no cobra por pedido.");
+    else if (free)
+        note = QStringLiteral("Sin costo mientras corra en esta máquina. Si es un intermediario de "
+                              "un servicio pago, cargá lo que cobra.");
     else if (model.isEmpty())
         note = QStringLiteral("Elegí un modelo para ver o cargar su precio.");
     else if (price.source == ModelPrices::Source::table)

@@ -67,10 +67,15 @@ bool ModelPrices::isFree(const Provider& provider, const QString& baseURL) {
 ModelPrices::Lookup ModelPrices::resolve(const Provider& provider, const QString& model,
                                          const QString& baseURL,
                                          const std::optional<TokenPrice>& userPrice) {
-    if (isFree(provider, baseURL))
+    const bool ownSession =
+        provider.flavor == Provider::Flavor::echo || provider.flavor == Provider::Flavor::claudeCLI;
+    if (ownSession)
         return {Source::free, TokenPrice{}};
+    // A priced server on this machine is a proxy to a paid service.
     if (userPrice)
         return {Source::user, userPrice};
+    if (isFree(provider, baseURL))
+        return {Source::free, TokenPrice{}};
     if (const auto price = known(provider, billedModel(provider, model)))
         return {Source::table, price};
     return {};

@@ -41,7 +41,8 @@ public:
     static QString billedModel(const Provider& provider, const QString& model);
     // The echo engine, the claude program and servers on this machine: nothing to pay.
     static bool isFree(const Provider& provider, const QString& baseURL);
-    // The price a job goes by: free, else the user's, else the table's, else unknown.
+    // The price a job goes by: nothing for the echo engine and the claude program, else the
+    // user's, else nothing for a server on this machine, else the table's, else unknown.
     static Lookup resolve(const Provider& provider, const QString& model, const QString& baseURL,
                           const std::optional<TokenPrice>& userPrice);
 };

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QListWidget>
 #include <QPalette>
 #include <QSettings>
@@ -14,11 +15,15 @@
 #include <QToolButton>
 
 #include "VeltoMKV/AppShell.h"
+#include "VeltoMKV/EstimateLine.h"
 #include "VeltoMKV/JobView.h"
 #include "VeltoMKV/MainWindow.h"
 #include "VeltoMKV/SettingsDialog.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
+#ifdef VELTO_SCREENSHOT_SERVER
+#include "support/ChatCompletionsServer.h"
+#endif
 
 using namespace velto;
 using namespace Qt::StringLiterals;
@@ -141,6 +146,31 @@ int main(int argc, char** argv) {
         shell.preferences().setProviderIDStorage(u"anthropic"_s);
         camera.take(window, u"main-ready-no-engine"_s);
     }
+
+#ifdef VELTO_SCREENSHOT_SERVER
+    // A server that bills, at a price of the user's: the estimate before, the cost after.
+    const test::ChatCompletionsServer server({.key = {}, .reportUsage = true});
+    Preferences& preferences = shell.preferences();
+    preferences.setProviderIDStorage(Provider::local().id);
+    preferences.setBaseURL(server.baseUrl(), Provider::local());
+    preferences.setModel(u"modelo-a"_s, Provider::local());
+    preferences.setUserPrice(Provider::local(), u"modelo-a"_s, TokenPrice{3, 15});
+    state.reset();
+    window.openFile(arguments[0]);
+    if (reaches(Phase::Kind::ready)) {
+        (void)QTest::qWaitFor(
+            [&] {
+                return window.jobView()->findChild<EstimateLine*>()->text()->text().contains(
+                    u"US$"_s);
+            },
+            patience);
+        camera.take(window, u"main-ready-estimate"_s);
+        window.startJob();
+        if (reaches(Phase::Kind::finished))
+            camera.take(window, u"main-finished-cost"_s);
+        QFile::remove(state.result() ? state.result()->outputURL : QString());
+    }
+#endif
 
     // A file that is no video.
     const QString notAVideo = settings.filePath(u"Notas.mkv"_s);
