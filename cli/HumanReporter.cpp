@@ -116,12 +116,13 @@ void HumanReporter::estimated(const QString& video, const CostEstimate& estimate
                                    : QFileInfo(video).fileName() + QStringLiteral(": ");
     text += estimate.summary() + u'\n';
     if (estimate.requests > 0) {
-        text += QStringLiteral("  ") + QString::number(estimate.inputTokens) +
+        static const QLocale spanish(QLocale::Spanish, QLocale::Argentina);
+        text += QStringLiteral("  ") + spanish.toString(estimate.inputTokens) +
                 QStringLiteral(" tokens de entrada y ") +
-                QString::number(estimate.outputTokensLow) + u'\x2013' +
-                QString::number(estimate.outputTokensHigh) + QStringLiteral(" de salida");
+                spanish.toString(estimate.outputTokensLow) + u'\x2013' +
+                spanish.toString(estimate.outputTokensHigh) + QStringLiteral(" de salida");
         if (estimate.cached > 0)
-            text += QStringLiteral(" (") + QString::number(estimate.cached) +
+            text += QStringLiteral(" (") + spanish.toString(estimate.cached) +
                     QStringLiteral(" subtítulos ya están en la caché)");
         text += u'\n';
     }

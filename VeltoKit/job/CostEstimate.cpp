@@ -123,7 +123,7 @@ QString CostEstimate::timeText() const {
     if (low == high)
         return high;
     // "2–4 min" when both are whole minutes under the hour.
-    const bool minutes = secondsLow >= 90 && secondsHigh < 59.5 * 60;
+    const bool minutes = secondsLow >= 30 && secondsHigh < 59.5 * 60;
     if (minutes)
         return low.chopped(4) + u'\x2013' + high;
     return low + QStringLiteral(" a ") + high;
