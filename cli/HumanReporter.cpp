@@ -58,10 +58,8 @@ void HumanReporter::started(const QString&) {
 }
 
 void HumanReporter::update(const JobUpdate& update) {
-    if (update.estimate) {
+    if (update.estimate)
         estimated(QString(), *update.estimate);
-        return;
-    }
     const std::lock_guard lock(m_mutex);
     if (m_redraw) {
         m_current = update;

@@ -61,10 +61,8 @@ void JsonReporter::started(const QString& video) {
 }
 
 void JsonReporter::update(const JobUpdate& update) {
-    if (update.estimate) {
+    if (update.estimate)
         estimated(m_video, *update.estimate);
-        return;
-    }
     QJsonObject object{
         {QStringLiteral("stage"), caseName(update.stage)},
         {QStringLiteral("label"), label(update)},

@@ -130,6 +130,8 @@ QString CostEstimate::timeText() const {
 }
 
 QString CostEstimate::summary() const {
+    if (cues == 0)
+        return QStringLiteral("Nada que traducir en esta pista.");
     if (requests == 0)
         return QStringLiteral("Nada que pedir al motor: todo está en la caché.");
     const QString separator = QStringLiteral(" · ");
