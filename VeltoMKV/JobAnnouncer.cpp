@@ -59,8 +59,11 @@ void JobAnnouncer::announceEnd() {
     const Phase& phase = m_state.phase();
     if (phase.kind() == Phase::Kind::finished && m_state.result()) {
         const JobResult& result = *m_state.result();
-        QString body = QStringLiteral("«") + QFileInfo(result.outputURL).fileName() +
-                       QStringLiteral("» ya tiene la pista en español.");
+        QString body = result.outputURL.isEmpty()
+                           ? QStringLiteral("Listo el subtítulo «") +
+                                 QFileInfo(result.written()).fileName() + QStringLiteral("».")
+                           : QStringLiteral("«") + QFileInfo(result.outputURL).fileName() +
+                                 QStringLiteral("» ya tiene la pista en español.");
         if (result.failedLines > 0)
             body += QStringLiteral(" Quedaron ") + Format::count(result.failedLines) +
                     (result.failedLines == 1 ? QStringLiteral(" subtítulo sin traducir.")

@@ -21,6 +21,7 @@
 #include "VeltoMKV/Page.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
+#include "VeltoMKV/state/CurrentPlan.h"
 #include "VeltoMKV/state/Format.h"
 
 namespace velto {
@@ -138,15 +139,15 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     layout->addWidget(new EstimateLine(state, preferences, this));
 
     // Where the result goes: the question over the name, so a long name has the whole row.
-    layout->addWidget(
-        Look::secondary(QStringLiteral("Dónde guardar el archivo con la pista nueva:"), this));
+    m_outputQuestion = Look::secondary(QString(), this);
+    layout->addWidget(m_outputQuestion);
     auto* outputRow = new QHBoxLayout();
     outputRow->setSpacing(Look::rowGap / 2 + 2);
     m_output = new ElidingLabel(this);
     outputRow->addWidget(m_output, 1);
-    auto* saveAs = Look::button(QStringLiteral("Guardar como"), this);
-    connect(saveAs, &QPushButton::clicked, this, &JobView::chooseOutput);
-    outputRow->addWidget(saveAs);
+    m_saveAs = Look::button(QStringLiteral("Guardar como"), this);
+    connect(m_saveAs, &QPushButton::clicked, this, &JobView::chooseOutput);
+    outputRow->addWidget(m_saveAs);
     layout->addLayout(outputRow);
 
     layout->addStretch(1);
@@ -161,6 +162,9 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     connect(&m_state, &AppState::infoChanged, this, &JobView::showTracks);
     connect(&m_state, &AppState::selectedTrackChanged, this, &JobView::markChosenTrack);
     connect(&m_state, &AppState::outputURLChanged, this, &JobView::showOutput);
+    // The subtitle file's name follows the chosen track (.srt or .ass) and what to save.
+    connect(&m_state, &AppState::selectedTrackChanged, this, &JobView::showOutput);
+    connect(&m_preferences, &Preferences::jobOptionsChanged, this, &JobView::showOutput);
     showFile();
     showTracks();
     showOutput();
@@ -240,12 +244,24 @@ void JobView::markChosenTrack() {
 }
 
 void JobView::showOutput() {
-    const std::optional<QString>& output = m_state.outputURL();
-    m_output->setText(output ? QFileInfo(*output).fileName() : QString());
+    const std::optional<JobPlan> plan = currentPlan(m_state, m_preferences);
+    const bool video = !plan || plan->output;
+    m_outputQuestion->setText(video ? QStringLiteral("Dónde guardar el archivo con la pista nueva:")
+                                    : QStringLiteral("El subtítulo se guarda junto al video:"));
+    m_saveAs->setVisible(video);
+    QStringList names;
+    if (plan) {
+        for (const QString& file : plan->writes())
+            names.append(QFileInfo(file).fileName());
+    }
+    m_output->setText(names.join(QStringLiteral(" · ")));
 }
 
 void JobView::chooseOutput() {
-    const QString current = m_state.outputURL().value_or(QString());
+    // Probed while only the subtitle file was asked for, the state holds no video name.
+    const std::optional<QString>& source = m_state.sourceURL();
+    const QString current =
+        m_state.outputURL().value_or(source ? JobPlan::defaultOutputURL(*source) : QString());
     const QString chosen = QFileDialog::getSaveFileName(
         this, QStringLiteral("Dónde guardar el archivo con la pista nueva"), current,
         QStringLiteral("Videos (*.mkv *.mp4 *.mov *.m4v)"));

@@ -61,7 +61,9 @@ private:
     QLabel* m_optionsSummary;
     OptionsPanel* m_options;
     EngineLine* m_engine;
+    QLabel* m_outputQuestion;
     QLabel* m_output;
+    QPushButton* m_saveAs;
     QPushButton* m_start;
 };
 

@@ -40,6 +40,7 @@
 #include "VeltoMKV/SettingsDialog.h"
 #include "VeltoMKV/SettingsPresenter.h"
 #include "VeltoMKV/state/AppState.h"
+#include "VeltoMKV/state/CurrentPlan.h"
 
 namespace velto {
 
@@ -181,9 +182,12 @@ void MainWindow::startJob() {
     const bool again = kind == Phase::Kind::failed && m_state.selectedTrack();
     if (!again && (kind != Phase::Kind::ready || !m_jobView->startButton()->isEnabled()))
         return;
-    const std::optional<QString>& output = m_state.outputURL();
-    if (output && QFileInfo::exists(*output) && !Confirm::replaceOutput(this, *output))
-        return;
+    if (const std::optional<JobPlan> plan = currentPlan(m_state, m_preferences)) {
+        for (const QString& file : plan->writes()) {
+            if (QFileInfo::exists(file) && !Confirm::replaceOutput(this, file))
+                return;
+        }
+    }
     m_resultView->setStripped(m_preferences.stripSDH());
     m_state.start(m_preferences);
 }

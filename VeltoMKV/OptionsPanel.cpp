@@ -15,6 +15,7 @@
 #include <QStyleOptionButton>
 #include <QVBoxLayout>
 
+#include "VeltoKit/job/JobOutputs.h"
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoKit/translation/SpanishVariant.h"
 #include "VeltoKit/translation/TranslationCache.h"
@@ -39,6 +40,19 @@ qint64 cacheBytes() {
 QString sizeText(qint64 bytes) {
     return QLocale(QLocale::Spanish)
         .formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
+}
+
+// The choices in the words of the window; the order is the picker's.
+QString outputsLabel(JobOutputs outputs) {
+    switch (outputs) {
+    case JobOutputs::video:
+        return QStringLiteral("Video con la pista nueva");
+    case JobOutputs::videoAndSidecar:
+        return QStringLiteral("Video y archivo de subtítulos");
+    case JobOutputs::sidecarOnly:
+        return QStringLiteral("Solo el archivo de subtítulos");
+    }
+    return {};
 }
 
 int textIndent(QCheckBox* toggle) {
@@ -77,6 +91,21 @@ OptionsPanel::OptionsPanel(Preferences& preferences, QWidget* parent)
     titleLabel->setBuddy(m_trackTitle);
     fields->addWidget(titleLabel, 1, 0);
     fields->addWidget(m_trackTitle, 1, 1);
+    m_outputs = new QComboBox(this);
+    // Its longest choice must not widen the panel past what the variant picker needs.
+    m_outputs->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_outputs->setMinimumContentsLength(20);
+    for (JobOutputs outputs : allJobOutputs())
+        m_outputs->addItem(outputsLabel(outputs), rawValue(outputs));
+    auto* outputsCaption = new QLabel(QStringLiteral("Qué guardar"), this);
+    outputsCaption->setBuddy(m_outputs);
+    fields->addWidget(outputsCaption, 2, 0);
+    fields->addWidget(m_outputs, 2, 1);
+    fields->addWidget(Look::secondary(QStringLiteral("El archivo de subtítulos va junto al video "
+                                                     "original, con el nombre que leen Jellyfin, "
+                                                     "Plex y Kodi: Película.es.srt."),
+                                      this),
+                      3, 1);
     fields->setColumnStretch(1, 1);
     layout->addLayout(fields);
     layout->addSpacing(Look::rowGap / 2);
@@ -137,13 +166,18 @@ OptionsPanel::OptionsPanel(Preferences& preferences, QWidget* parent)
     steppers->addStretch();
     layout->addLayout(steppers);
 
-    for (QWidget* control : {static_cast<QWidget*>(m_variant), static_cast<QWidget*>(m_batchSize),
-                             static_cast<QWidget*>(m_concurrency)})
+    for (QWidget* control :
+         {static_cast<QWidget*>(m_variant), static_cast<QWidget*>(m_outputs),
+          static_cast<QWidget*>(m_batchSize), static_cast<QWidget*>(m_concurrency)})
         guardWheel(control);
     showPreferences();
 
     connect(m_variant, &QComboBox::currentIndexChanged, this,
             [this] { m_preferences.setVariantRaw(m_variant->currentData().toString()); });
+    connect(m_outputs, &QComboBox::currentIndexChanged, this, [this] {
+        if (auto outputs = jobOutputsFromRawValue(m_outputs->currentData().toString()))
+            m_preferences.setOutputs(*outputs);
+    });
     connect(m_stripSDH, &QCheckBox::toggled, this,
             [this](bool on) { m_preferences.setStripSDH(on); });
     connect(m_stripParens, &QCheckBox::toggled, this,
@@ -193,14 +227,19 @@ QString OptionsPanel::summary() const {
         m_preferences.useCache() ? QStringLiteral("caché") : QStringLiteral("sin caché")};
     if (m_preferences.makeDefault())
         parts << QStringLiteral("predeterminada");
+    if (m_preferences.outputs() == JobOutputs::videoAndSidecar)
+        parts << QStringLiteral("y subtítulo aparte");
+    else if (m_preferences.outputs() == JobOutputs::sidecarOnly)
+        parts << QStringLiteral("solo el subtítulo");
     return parts.join(QStringLiteral(" · "));
 }
 
 void OptionsPanel::showPreferences() {
-    const QSignalBlocker blockVariant(m_variant), blockSDH(m_stripSDH), blockParens(m_stripParens),
-        blockDefault(m_makeDefault), blockTitle(m_trackTitle), blockBatch(m_batchSize),
-        blockConcurrency(m_concurrency), blockCache(m_useCache);
+    const QSignalBlocker blockVariant(m_variant), blockOutputs(m_outputs), blockSDH(m_stripSDH),
+        blockParens(m_stripParens), blockDefault(m_makeDefault), blockTitle(m_trackTitle),
+        blockBatch(m_batchSize), blockConcurrency(m_concurrency), blockCache(m_useCache);
     m_variant->setCurrentIndex(m_variant->findData(rawValue(m_preferences.variant())));
+    m_outputs->setCurrentIndex(m_outputs->findData(rawValue(m_preferences.outputs())));
     m_stripSDH->setChecked(m_preferences.stripSDH());
     m_stripParens->setChecked(m_preferences.stripParens());
     m_stripParens->setEnabled(m_preferences.stripSDH());

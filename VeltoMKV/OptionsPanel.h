@@ -25,6 +25,7 @@ public:
     QString summary() const;
 
     QComboBox* variantPicker() const { return m_variant; }
+    QComboBox* outputsPicker() const { return m_outputs; }
     QCheckBox* stripSDHToggle() const { return m_stripSDH; }
     QCheckBox* useCacheToggle() const { return m_useCache; }
     QSpinBox* batchSizeStepper() const { return m_batchSize; }
@@ -46,6 +47,7 @@ private:
 
     Preferences& m_preferences;
     QComboBox* m_variant;
+    QComboBox* m_outputs;
     QCheckBox* m_stripSDH;
     QCheckBox* m_stripParens;
     QCheckBox* m_makeDefault;

@@ -28,6 +28,8 @@ ResultView::ResultView(AppState& state, QWidget* parent)
 
     layout->addWidget(Look::paragraph(
         QStringLiteral("Timestamps verificados uno a uno contra el original."), this));
+    m_sidecar = Look::paragraph(QString(), this);
+    layout->addWidget(m_sidecar);
     m_untranslated = Look::heading(QString(), this);
     layout->addWidget(m_untranslated);
     m_counts = Look::secondary(QString(), this);
@@ -62,17 +64,38 @@ ResultView::ResultView(AppState& state, QWidget* parent)
     m_reveal = Look::button(PlatformText::revealInFileBrowser(), this);
     connect(m_reveal, &QPushButton::clicked, this, [this] {
         if (m_state.result())
-            emit revealRequested(m_state.result()->outputURL);
+            emit revealRequested(m_state.result()->written());
     });
     footer()->addWidget(m_reveal);
+    m_revealSidecar = Look::button(QStringLiteral("Mostrar el subtítulo"), this);
+    connect(m_revealSidecar, &QPushButton::clicked, this, [this] {
+        if (m_state.result() && m_state.result()->sidecarURL)
+            emit revealRequested(*m_state.result()->sidecarURL);
+    });
+    footer()->addWidget(m_revealSidecar);
     m_another = Look::primaryButton(QStringLiteral("Traducir otro"), this);
     connect(m_another, &QPushButton::clicked, this, &ResultView::anotherRequested);
     footer()->addWidget(m_another);
-    setTabOrder(m_reveal, m_another);
+    setTabOrder(m_reveal, m_revealSidecar);
+    setTabOrder(m_revealSidecar, m_another);
 
     connect(&m_state, &AppState::resultChanged, this, &ResultView::showResult);
     connect(&m_state, &AppState::warningsChanged, this, &ResultView::showResult);
     showResult();
+}
+
+void ResultView::showSidecar() {
+    const std::optional<JobResult>& result = m_state.result();
+    const bool both = result && !result->outputURL.isEmpty() && result->sidecarURL;
+    const QFileInfo sidecar(both ? *result->sidecarURL : QString());
+    const bool elsewhere =
+        both && sidecar.absolutePath() != QFileInfo(result->outputURL).absolutePath();
+    m_sidecar->setVisible(both);
+    m_sidecar->setText(both ? QStringLiteral("Subtítulo aparte: ") +
+                                  (elsewhere ? QDir::toNativeSeparators(sidecar.absoluteFilePath())
+                                             : sidecar.fileName())
+                            : QString());
+    m_revealSidecar->setVisible(elsewhere);
 }
 
 void ResultView::setStripped(bool stripped) {
@@ -82,9 +105,10 @@ void ResultView::setStripped(bool stripped) {
 
 void ResultView::showResult() {
     const std::optional<JobResult>& result = m_state.result();
-    titleLabel()->setText(result ? QFileInfo(result->outputURL).fileName() : QString());
-    setSubtitle(result ? QDir::toNativeSeparators(QFileInfo(result->outputURL).absolutePath())
+    titleLabel()->setText(result ? QFileInfo(result->written()).fileName() : QString());
+    setSubtitle(result ? QDir::toNativeSeparators(QFileInfo(result->written()).absolutePath())
                        : QString());
+    showSidecar();
     // A track partly in the source language is said as plainly as the file it went into.
     const bool partial = result && result->failedLines > 0;
     setIcon(partial ? Look::warningIcon() : Look::doneMark(palette()));

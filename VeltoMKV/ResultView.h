@@ -27,6 +27,10 @@ public:
     QLabel* untranslated() const { return m_untranslated; }
     QWidget* warningsPanel() const { return m_warnings; }
     QPushButton* revealButton() const { return m_reveal; }
+    // Names the subtitle file written beside the video, when both were written.
+    QLabel* sidecarLine() const { return m_sidecar; }
+    // Shown when that subtitle file lies in another folder than the video.
+    QPushButton* revealSidecarButton() const { return m_revealSidecar; }
     QPushButton* anotherButton() const { return m_another; }
 
 signals:
@@ -35,6 +39,7 @@ signals:
 
 private:
     void showResult();
+    void showSidecar();
 
     AppState& m_state;
     bool m_stripped = false;
@@ -43,6 +48,8 @@ private:
     // What the engine's requests took and cost.
     QLabel* m_usage;
     QLabel* m_removed;
+    QLabel* m_sidecar;
+    QPushButton* m_revealSidecar;
     QWidget* m_warnings;
     QLabel* m_warningsHeader;
     QVBoxLayout* m_warningLines;

@@ -63,6 +63,10 @@ private:
             job.useCache = false;
         else if (m_name == QStringLiteral("--force"))
             job.force = true;
+        else if (m_name == QStringLiteral("--sidecar"))
+            outputs(JobOutputs::videoAndSidecar);
+        else if (m_name == QStringLiteral("--sidecar-only"))
+            outputs(JobOutputs::sidecarOnly);
         else if (m_name == QStringLiteral("--list-tracks"))
             m_options.listTracks = true;
         else if (m_name == QStringLiteral("--list-models"))
@@ -81,6 +85,14 @@ private:
         else
             throw UsageError{QStringLiteral("No conozco la opción «") + m_name +
                              QStringLiteral("».") + tryHelp()};
+    }
+
+    void outputs(JobOutputs outputs) {
+        JobOutputs& chosen = m_options.job.outputs;
+        if (chosen != JobOutputs::video && chosen != outputs)
+            throw UsageError{QStringLiteral("«--sidecar» y «--sidecar-only» no van juntos: el "
+                                            "primero escribe también el video, el segundo no.")};
+        chosen = outputs;
     }
 
     // Handles the options that carry a value; false when m_name is not one of them.
@@ -231,6 +243,11 @@ private:
                 QStringLiteral("Falta el video. Usá: veltomkv-cli [opciones] VIDEO...") +
                 tryHelp()};
         }
+        if (m_options.job.outputURL && m_options.job.outputs == JobOutputs::sidecarOnly) {
+            throw UsageError{QStringLiteral("Con «--sidecar-only» no se escribe ningún video, así "
+                                            "que «--output» no tiene qué nombrar. El subtítulo va "
+                                            "siempre junto al video original.")};
+        }
         if (m_options.job.outputURL && m_options.videos.size() > 1) {
             throw UsageError{QStringLiteral("«--output» sirve para un solo video y llegaron ") +
                              QString::number(m_options.videos.size()) + QStringLiteral(".")};
@@ -261,7 +278,8 @@ QString helpText() {
         "     veltomkv-cli [opciones del motor] --list-models | --check\n"
         "\n"
         "Agrega a cada video una pista de subtítulos en español, traducida de su pista de\n"
-        "texto, y escribe una copia (Pelicula.mkv → Pelicula.es.mkv). El original no se toca.\n"
+        "texto, y escribe una copia (Pelicula.mkv → Pelicula.es.mkv), el subtítulo solo\n"
+        "(Pelicula.es.srt) o las dos cosas. El original no se toca.\n"
         "Con varios videos los traduce uno por uno; si uno falla, sigue con el próximo.\n"
         "\n"
         "Motor de traducción (lo que des acá vale solo para esta vez; si no, se usa lo que\n"
@@ -288,7 +306,11 @@ QString helpText() {
         "  --keep-parens           con --strip-sdh, dejar el texto entre paréntesis\n"
         "  --default               marcar la pista nueva como predeterminada\n"
         "  --title TÍTULO          título de la pista nueva (predeterminado: Español (traducido))\n"
-        "  --output ARCHIVO        dónde escribir el resultado (solo con un video)\n"
+        "  --output ARCHIVO        dónde escribir el video nuevo (solo con un video)\n"
+        "  --sidecar               escribir además el subtítulo junto al video original\n"
+        "                          (Pelicula.es.srt, o Pelicula.es.ass si la pista es ASS)\n"
+        "  --sidecar-only          escribir solo el subtítulo, sin video nuevo (sirve también\n"
+        "                          para WebM y AVI)\n"
         "  --force                 traducir aunque el video ya tenga subtítulos en español\n"
         "  --batch-size N          subtítulos por pedido al motor (predeterminado: 40)\n"
         "  --concurrency N         pedidos al mismo tiempo (predeterminado: 3)\n"

@@ -1,5 +1,7 @@
 #include "cli/CliRunner.h"
 
+#include <QFileInfo>
+
 #include "VeltoKit/core/VeltoError.h"
 #include "VeltoKit/job/CostEstimate.h"
 #include "VeltoKit/job/JobError.h"
@@ -12,8 +14,22 @@
 namespace velto::cli {
 namespace {
 
+// A folder that refuses the subtitle file is the original's: --output cannot move it.
+QString readOnlyRemedy(const JobError& refusal, const JobOptions& options, const QString& video) {
+    if (options.outputs == JobOutputs::video ||
+        QFileInfo(refusal.folder()).absoluteFilePath() != QFileInfo(video).absolutePath())
+        return QStringLiteral("Desde la terminal, elegí dónde guardarlo con --output ARCHIVO.");
+    const QString besides = QStringLiteral("El subtítulo va siempre junto al video original: "
+                                           "copiá el video a una carpeta donde se pueda escribir "
+                                           "y traducí esa copia.");
+    return options.outputs == JobOutputs::sidecarOnly
+               ? besides
+               : besides + QStringLiteral(" Sin --sidecar, el video nuevo puede ir a otra "
+                                          "carpeta con --output ARCHIVO.");
+}
+
 // The way out of a refusal from a terminal, said under the job's sentence.
-QString remedyFor(const VeltoError& error) {
+QString remedyFor(const VeltoError& error, const JobOptions& options, const QString& video) {
     const auto* refusal = dynamic_cast<const JobError*>(&error);
     if (!refusal)
         return {};
@@ -24,7 +40,7 @@ QString remedyFor(const VeltoError& error) {
         return QStringLiteral("Elegí la pista con --track N (mirá los números con "
                               "--list-tracks).");
     case JobError::Kind::outputFolderReadOnly:
-        return QStringLiteral("Desde la terminal, elegí dónde guardarlo con --output ARCHIVO.");
+        return readOnlyRemedy(*refusal, options, video);
     case JobError::Kind::cacheUnavailable:
         return QStringLiteral("Desde la terminal, agregá --no-cache para traducir sin caché.");
     default:
@@ -66,7 +82,8 @@ int CliRunner::run(std::stop_token stop, const std::function<bool()>& wasInterru
             if (m_options.listTracks)
                 m_reporter.listingFailed(video, error.description());
             else
-                m_reporter.failed(video, error.description(), remedyFor(error));
+                m_reporter.failed(video, error.description(),
+                                  remedyFor(error, m_options.job, video));
             status = jobFailed;
         } catch (const std::exception& error) {
             m_reporter.failed(video, describeFailure(error), QString());

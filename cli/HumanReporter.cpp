@@ -146,17 +146,22 @@ void HumanReporter::finished(const QString& video, const JobResult& result) {
     const QString outcome = result.failedLines > 0
                                 ? QStringLiteral("Escrito con subtítulos sin traducir: ")
                                 : QStringLiteral("Listo: ");
-    QString text = outcome + QFileInfo(video).fileName() + QStringLiteral(" → ") +
-                   result.outputURL + u'\n' + QStringLiteral("  ") +
-                   counts.join(QStringLiteral("  ·  ")) + u'\n';
+    QString text =
+        outcome + QFileInfo(video).fileName() + QStringLiteral(" → ") + result.written() + u'\n';
+    if (!result.outputURL.isEmpty() && result.sidecarURL)
+        text += QStringLiteral("  Subtítulo aparte: ") + *result.sidecarURL + u'\n';
+    text += QStringLiteral("  ") + counts.join(QStringLiteral("  ·  ")) + u'\n';
     if (!result.warnings.isEmpty()) {
         text += QStringLiteral("  Advertencias:\n");
         for (const QString& warning : result.warnings)
             text += QStringLiteral("    ") + warning + u'\n';
     }
-    text += QStringLiteral("  Pistas de subtítulos del resultado:\n");
-    for (const SubtitleTrack& track : result.finalTracks)
-        text += QStringLiteral("    ") + track.summary() + u'\n';
+    // Only a new video has tracks to show.
+    if (!result.outputURL.isEmpty()) {
+        text += QStringLiteral("  Pistas de subtítulos del resultado:\n");
+        for (const SubtitleTrack& track : result.finalTracks)
+            text += QStringLiteral("    ") + track.summary() + u'\n';
+    }
     writeText(m_out, text);
 }
 

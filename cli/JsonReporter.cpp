@@ -113,7 +113,10 @@ void JsonReporter::finished(const QString&, const JobResult& result) {
           {{QStringLiteral("findings"), findingArray(result.qualityFindings)}});
     print(QStringLiteral("result"),
           {
-              {QStringLiteral("output"), result.outputURL},
+              {QStringLiteral("output"),
+               result.outputURL.isEmpty() ? QJsonValue() : QJsonValue(result.outputURL)},
+              {QStringLiteral("sidecar"),
+               result.sidecarURL ? QJsonValue(*result.sidecarURL) : QJsonValue()},
               {QStringLiteral("translated"), result.translatedCount},
               {QStringLiteral("removedDescriptions"), result.removedDescriptions},
               {QStringLiteral("failed"), result.failedLines},

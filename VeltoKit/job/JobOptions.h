@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include "VeltoKit/job/JobOutputs.h"
 #include "VeltoKit/job/TokenPrice.h"
 #include "VeltoKit/translation/SpanishVariant.h"
 
@@ -24,12 +25,14 @@ struct JobOptions {
     qint64 concurrency = 3;
     qint64 contextLines = 4;
     bool useCache = true;
-    // Absent: beside the source, see JobPlan::defaultOutputURL.
+    // Absent: beside the source, see JobPlan::defaultOutputURL. Names the video only: the
+    // subtitle file always goes beside the source (JobPlan::sidecarURL).
     std::optional<QString> outputURL;
     // Stream index chosen by hand; absent means the automatic choice.
     std::optional<qint64> forcedTrackIndex;
     // Translate even when the file already has full Spanish subtitles.
     bool force = false;
+    JobOutputs outputs = JobOutputs::video;
     // What the engine charges; absent when unknown. Free engines cost 0.
     std::optional<TokenPrice> price;
     // US dollars the job may spend at most; absent: no cap.

@@ -11,8 +11,17 @@
 namespace velto {
 namespace {
 
-// Beside the source, before its extension: "Movie.es.mkv".
+// Beside the source, before its extension: "Movie.es.mkv", "Movie.es.srt". Jellyfin, Plex and
+// Kodi all read "es" as Spanish in a subtitle file's name.
 const QString outputSuffix = QStringLiteral(".es");
+
+// The path as given when it lies in the current folder without saying so, like the source.
+QString beside(const QString& source, const QString& name) {
+    const QString directory = QFileInfo(source).path();
+    return directory == QStringLiteral(".") && !source.startsWith(QStringLiteral("./"))
+               ? name
+               : QDir(directory).filePath(name);
+}
 
 QString standardised(const QString& path) {
     return QDir::cleanPath(QFileInfo(path).absoluteFilePath());
@@ -70,9 +79,11 @@ std::optional<JobError> refusalOf(const JobPlan& plan, const JobOptions& options
         return JobError::alreadySpanish();
     if (auto refused = trackRefusal(plan, options))
         return refused;
-    if (sameFile(plan.output, plan.source))
+    if (!plan.output)
+        return std::nullopt;
+    if (sameFile(*plan.output, plan.source))
         return JobError::sameInputOutput();
-    if (const auto problem = FFmpeg::outputProblem(plan.output, plan.info))
+    if (const auto problem = FFmpeg::outputProblem(*plan.output, plan.info))
         return JobError::badOutput(*problem);
     return std::nullopt;
 }
@@ -86,7 +97,10 @@ JobPlan JobPlan::make(const QString& source, const MediaInfo& info, const JobOpt
     plan.track = options.forcedTrackIndex
                      ? trackWithIndex(info, *options.forcedTrackIndex)
                      : info.pickSource(Languages::normalize(options.sourceLanguage));
-    plan.output = options.outputURL.value_or(defaultOutputURL(source));
+    if (writesVideo(options.outputs))
+        plan.output = options.outputURL.value_or(defaultOutputURL(source));
+    if (writesSidecar(options.outputs))
+        plan.sidecar = sidecarURL(source, plan.track ? plan.track->codec : QString());
     plan.refusal = refusalOf(plan, options);
     return plan;
 }
@@ -101,11 +115,23 @@ QString JobPlan::defaultOutputURL(const QString& source) {
     QString extension = info.suffix().isEmpty() ? QStringLiteral("mkv") : info.suffix();
     if (!FFmpeg::writesContainer(extension))
         extension = QStringLiteral("mkv");
-    const QString name = info.completeBaseName() + outputSuffix + u'.' + extension;
-    const QString directory = info.path();
-    return directory == QStringLiteral(".") && !source.startsWith(QStringLiteral("./"))
-               ? name
-               : QDir(directory).filePath(name);
+    return beside(source, info.completeBaseName() + outputSuffix + u'.' + extension);
+}
+
+QString JobPlan::sidecarURL(const QString& source, const QString& codec) {
+    const QString lower = codec.toLower();
+    const bool styled = lower == QStringLiteral("ass") || lower == QStringLiteral("ssa");
+    return beside(source, QFileInfo(source).completeBaseName() + outputSuffix +
+                              (styled ? QStringLiteral(".ass") : QStringLiteral(".srt")));
+}
+
+QStringList JobPlan::writes() const {
+    QStringList files;
+    if (output)
+        files.append(*output);
+    if (sidecar)
+        files.append(*sidecar);
+    return files;
 }
 
 } // namespace velto

@@ -14,7 +14,10 @@ namespace velto {
 
 // How a finished job ended.
 struct JobResult {
+    // The video written; empty when only the subtitle file was asked for.
     QString outputURL;
+    // The subtitle file written beside the source, when one was asked for.
+    std::optional<QString> sidecarURL;
     qint64 translatedCount = 0;
     // Removals reported by SDH stripping; 0 when stripping was off.
     qint64 removedDescriptions = 0;
@@ -32,6 +35,11 @@ struct JobResult {
     TokenUsage usage;
     qint64 requests = 0;
     std::optional<double> cost;
+
+    // What a person looks for first: the video, else the subtitle file.
+    const QString& written() const {
+        return outputURL.isEmpty() && sidecarURL ? *sidecarURL : outputURL;
+    }
 };
 
 } // namespace velto

@@ -13,6 +13,7 @@
 #include "VeltoKit/job/MeteredBackend.h"
 #include "VeltoKit/job/QualityCheck.h"
 #include "VeltoKit/job/QualityReview.h"
+#include "VeltoKit/job/SidecarFile.h"
 #include "VeltoKit/job/WorkingDirectory.h"
 #include "VeltoKit/subtitles/StripSDH.h"
 #include "VeltoKit/subtitles/SubtitleDocument.h"
@@ -83,17 +84,19 @@ public:
         m_pace.latency = static_cast<double>(check.nsecsElapsed()) / 1e9;
         const QStringList translations = translate(*document);
         const QString subtitle = rebuild(*document, translations, work);
-        const QString& output = m_plan.output;
-        report(JobStage::muxing, QFileInfo(output).fileName());
-        if (QFileInfo::exists(output))
-            m_result.warnings.append(QStringLiteral("Ya existía «") +
-                                     QDir::toNativeSeparators(output) +
-                                     QStringLiteral("»: lo reemplacé por el nuevo."));
-        m_ffmpeg.mux(m_source, subtitle, output, m_plan.info.tracks.size(), muxOptions(), m_stop);
-        report(JobStage::verifying, QString());
-        m_result.finalTracks = m_ffmpeg.inspect(output, m_stop).tracks;
-        report(JobStage::done, QFileInfo(output).fileName(), 1.0);
-        m_result.outputURL = output;
+        std::optional<SidecarFile> sidecar;
+        if (m_plan.sidecar)
+            sidecar.emplace(*m_plan.sidecar, subtitle, *document);
+        if (m_plan.output)
+            writeVideo(*m_plan.output, subtitle);
+        if (sidecar) {
+            warnIfReplacing(sidecar->path());
+            sidecar->commit();
+            m_result.sidecarURL = sidecar->path();
+        }
+        const QString written = m_plan.writes().constFirst();
+        report(JobStage::done, QFileInfo(written).fileName(), 1.0);
+        m_result.outputURL = m_plan.output.value_or(QString());
         m_result.elapsed = static_cast<double>(m_clock.nsecsElapsed()) / 1e9;
         m_result.usage = m_meter->usage();
         m_result.requests = m_meter->requests();
@@ -129,13 +132,30 @@ private:
     }
 
     void checkOutputFolder() const {
-        const QString folder = QFileInfo(m_plan.output).absolutePath();
-        if (!QFileInfo(folder).isDir()) {
-            throw FileError(QStringLiteral("La carpeta de salida «") +
-                            QDir::toNativeSeparators(folder) + QStringLiteral("» no existe."));
+        for (const QString& file : m_plan.writes()) {
+            const QString folder = QFileInfo(file).absolutePath();
+            if (!QFileInfo(folder).isDir()) {
+                throw FileError(QStringLiteral("La carpeta de salida «") +
+                                QDir::toNativeSeparators(folder) + QStringLiteral("» no existe."));
+            }
+            if (!canCreateFilesIn(folder))
+                throw JobError::outputFolderReadOnly(folder);
         }
-        if (!canCreateFilesIn(folder))
-            throw JobError::outputFolderReadOnly(folder);
+    }
+
+    void warnIfReplacing(const QString& file) {
+        if (QFileInfo::exists(file))
+            m_result.warnings.append(QStringLiteral("Ya existía «") +
+                                     QDir::toNativeSeparators(file) +
+                                     QStringLiteral("»: lo reemplacé por el nuevo."));
+    }
+
+    void writeVideo(const QString& output, const QString& subtitle) {
+        report(JobStage::muxing, QFileInfo(output).fileName());
+        warnIfReplacing(output);
+        m_ffmpeg.mux(m_source, subtitle, output, m_plan.info.tracks.size(), muxOptions(), m_stop);
+        report(JobStage::verifying, QString());
+        m_result.finalTracks = m_ffmpeg.inspect(output, m_stop).tracks;
     }
 
     // The cache is written after every batch; a folder that refuses it would fail silently.

@@ -37,6 +37,7 @@ Preferences::Preferences(std::unique_ptr<QSettings> settings, KeyReader readKey,
     , m_batchSize(*m_settings, QStringLiteral("batchSize"), JobOptions().batchSize)
     , m_concurrency(*m_settings, QStringLiteral("concurrency"), JobOptions().concurrency)
     , m_useCache(*m_settings, QStringLiteral("useCache"), JobOptions().useCache)
+    , m_outputs(*m_settings, QStringLiteral("outputs"), rawValue(JobOptions().outputs))
     , m_ffmpegDirectory(*m_settings, QStringLiteral("ffmpegDirectory"), QString())
     , m_lastFolder(*m_settings, QStringLiteral("lastFolder"), QString())
     , m_windowSize(*m_settings, QStringLiteral("windowSize"), QSize())
@@ -180,6 +181,14 @@ void Preferences::setUseCache(bool use) {
     store(m_useCache, use, &Preferences::jobOptionsChanged);
 }
 
+JobOutputs Preferences::outputs() const {
+    return jobOutputsFromRawValue(m_outputs.get()).value_or(JobOptions().outputs);
+}
+
+void Preferences::setOutputs(JobOutputs outputs) {
+    store(m_outputs, rawValue(outputs), &Preferences::jobOptionsChanged);
+}
+
 QString Preferences::ffmpegDirectory() const {
     return m_ffmpegDirectory.get();
 }
@@ -272,6 +281,7 @@ JobOptions Preferences::makeJobOptions(std::optional<QString> output,
     options.concurrency = concurrency();
     options.contextLines = contextLines;
     options.useCache = useCache();
+    options.outputs = outputs();
     options.outputURL = std::move(output);
     options.forcedTrackIndex = forcedTrack;
     options.force = force;

@@ -76,6 +76,9 @@ public:
     void setConcurrency(qint64 requests);
     bool useCache() const;
     void setUseCache(bool use);
+    // What a job writes; unknown stored text is the video alone.
+    JobOutputs outputs() const;
+    void setOutputs(JobOutputs outputs);
     QString ffmpegDirectory() const;
     void setFfmpegDirectory(const QString& directory);
     // Where the window was left: the folder of the last video opened and the window's size
@@ -149,6 +152,7 @@ private:
     SettingValue<qint64> m_batchSize;
     SettingValue<qint64> m_concurrency;
     SettingValue<bool> m_useCache;
+    SettingValue<QString> m_outputs;
     SettingValue<QString> m_ffmpegDirectory;
     SettingValue<QString> m_lastFolder;
     SettingValue<QSize> m_windowSize;

@@ -129,6 +129,28 @@ int main(int argc, char** argv) {
         camera.take(window, u"main-finished"_s);
     QFile::remove(state.result() ? state.result()->outputURL : QString());
 
+    // The same with a subtitle file beside the video, then alone: the choice, what was written.
+    for (const JobOutputs outputs : {JobOutputs::videoAndSidecar, JobOutputs::sidecarOnly}) {
+        const QString name = outputs == JobOutputs::sidecarOnly ? u"sidecar-only"_s : u"sidecar"_s;
+        shell.preferences().setOutputs(outputs);
+        state.reset();
+        window.openFile(arguments[0]);
+        if (!reaches(Phase::Kind::ready))
+            continue;
+        camera.take(window, u"main-ready-"_s + name);
+        window.jobView()->optionsDisclosure()->click();
+        camera.take(window, u"main-ready-"_s + name + u"-options"_s);
+        window.jobView()->optionsDisclosure()->click();
+        window.startJob();
+        if (reaches(Phase::Kind::finished))
+            camera.take(window, u"main-finished-"_s + name);
+        if (state.result()) {
+            QFile::remove(state.result()->outputURL);
+            QFile::remove(state.result()->sidecarURL.value_or(QString()));
+        }
+    }
+    shell.preferences().setOutputs(JobOutputs::video);
+
     // Back to the ready page: the settings over it, then an engine that cannot run.
     state.reset();
     window.openFile(arguments[0]);
