@@ -44,6 +44,7 @@ void CostPreview::update(const std::optional<FFmpeg>& tools, const QString& sour
                 recount();
             });
         });
+    emit changed();
 }
 
 void CostPreview::clear() {

@@ -114,6 +114,15 @@ int main(int argc, char** argv) {
         qCritical("%s", qPrintable(state.phase().message()));
         return 1;
     }
+    const auto estimated = [&] {
+        return QTest::qWaitFor(
+            [&] {
+                const QString line = window.jobView()->findChild<EstimateLine*>()->text()->text();
+                return !line.isEmpty() && !line.startsWith(u"Calculando"_s);
+            },
+            patience);
+    };
+    (void)estimated();
     camera.take(window, u"main-ready"_s);
     window.jobView()->optionsDisclosure()->click();
     camera.take(window, u"main-ready-options"_s);
@@ -180,12 +189,7 @@ int main(int argc, char** argv) {
     state.reset();
     window.openFile(arguments[0]);
     if (reaches(Phase::Kind::ready)) {
-        (void)QTest::qWaitFor(
-            [&] {
-                return window.jobView()->findChild<EstimateLine*>()->text()->text().contains(
-                    u"US$"_s);
-            },
-            patience);
+        (void)estimated();
         camera.take(window, u"main-ready-estimate"_s);
         window.startJob();
         if (reaches(Phase::Kind::finished))
