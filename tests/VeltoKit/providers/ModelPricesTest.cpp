@@ -34,10 +34,12 @@ TEST(ModelPrices, ResolvesTheUsersPriceTheTablesOrNone) {
         const ModelPrices::Lookup found =
             ModelPrices::resolve(row.provider, row.model, row.baseURL, row.user);
         EXPECT_EQ(found.source, row.source);
-        if (row.source == ModelPrices::Source::free)
+        if (row.source == ModelPrices::Source::free) {
             EXPECT_EQ(found.price, TokenPrice{});
-        if (row.source == ModelPrices::Source::user)
+        }
+        if (row.source == ModelPrices::Source::user) {
             EXPECT_EQ(found.price, mine);
+        }
     }
     const auto known = [](const QString& model) {
         return ModelPrices::known(Provider::openAI(), model);
