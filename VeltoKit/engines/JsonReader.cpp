@@ -1,5 +1,7 @@
 #include "VeltoKit/engines/JsonReader.h"
 
+#include <cmath>
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonParseError>
@@ -51,8 +53,10 @@ std::optional<qint64> JsonReader::integer(QStringView key) const {
     const QJsonValue value = member(key);
     if (value.isUndefined())
         return std::nullopt;
-    const double number = value.toDouble(-1);
-    if (!value.isDouble() || number != static_cast<double>(static_cast<qint64>(number)))
+    // Range first: converting a double out of range is undefined.
+    constexpr double limit = 9.0e18;
+    const double number = value.toDouble();
+    if (!value.isDouble() || !(std::abs(number) < limit) || number != std::trunc(number))
         throw wrongType(key);
     return static_cast<qint64>(number);
 }
