@@ -42,7 +42,8 @@ TEST(EngineUsage, ReadsWhatEachServiceBillsThinkingIncluded) {
         SCOPED_TRACE(row.body.toStdString());
         ScriptedHttpServer server;
         server.script({200, row.body});
-        const HttpBackend::Settings settings{u"clave"_s, u"m"_s, server.baseUrl() + u"/v1"_s, 30,
+        const HttpBackend::Settings settings{u"clave-de-prueba"_s, u"m"_s,
+                                             server.baseUrl() + u"/v1"_s, 30,
                                              std::make_shared<HttpClient>()};
         std::unique_ptr<TranslationBackend> engine;
         if (row.engine == Engine::anthropic)
