@@ -15,6 +15,7 @@
 #include "VeltoMKV/AppIcon.h"
 #include "VeltoMKV/ElidingLabel.h"
 #include "VeltoMKV/EngineLine.h"
+#include "VeltoMKV/EstimateLine.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/NamesPanel.h"
 #include "VeltoMKV/OptionsPanel.h"
@@ -117,6 +118,7 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     m_engine = new EngineLine(preferences, settings, this);
     layout->addWidget(m_engine);
     connect(m_engine, &EngineLine::refreshed, this, &JobView::showStart);
+    layout->addWidget(new EstimateLine(state, preferences, this));
 
     // Where the result goes: the question over the name, so a long name has the whole row.
     m_outputQuestion = Look::secondary(QString(), this);

@@ -11,6 +11,7 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "VeltoKit/job/UsageSummary.h"
 #include "VeltoKit/platform/PlatformText.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/Page.h"
@@ -33,6 +34,8 @@ ResultView::ResultView(AppState& state, QWidget* parent)
     layout->addWidget(m_untranslated);
     m_counts = Look::secondary(QString(), this);
     layout->addWidget(m_counts);
+    m_usage = Look::secondary(QString(), this);
+    layout->addWidget(m_usage);
     m_removed = Look::paragraph(QString(), this);
     layout->addWidget(m_removed);
 
@@ -113,6 +116,8 @@ void ResultView::showResult() {
                                    QStringLiteral(" subtítulos traducidos en ") +
                                    Format::elapsed(result->elapsed)
                              : QString());
+    m_usage->setText(result ? UsageSummary::of(*result) : QString());
+    m_usage->setVisible(!m_usage->text().isEmpty());
     m_untranslated->setVisible(partial);
     m_untranslated->setText(
         partial ? (result->failedLines == 1

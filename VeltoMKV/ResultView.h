@@ -45,6 +45,8 @@ private:
     bool m_stripped = false;
     QLabel* m_untranslated;
     QLabel* m_counts;
+    // What the engine's requests took and cost.
+    QLabel* m_usage;
     QLabel* m_removed;
     QLabel* m_sidecar;
     QPushButton* m_revealSidecar;

@@ -17,6 +17,7 @@
 #include "VeltoKit/platform/PlatformText.h"
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoMKV/AddressField.h"
+#include "VeltoMKV/CostSettings.h"
 #include "VeltoMKV/KeyField.h"
 #include "VeltoMKV/Look.h"
 #include "VeltoMKV/ModelField.h"
@@ -175,6 +176,7 @@ QWidget* SettingsDialog::buildDetails() {
     service->addWidget(buildEffort());
     layout->addWidget(m_service);
     layout->addWidget(buildClaudeCLI());
+    layout->addWidget(new CostSettings(m_preferences, content));
     layout->addWidget(buildNotice());
     layout->addWidget(buildTools());
     layout->addStretch(1);

@@ -1,5 +1,6 @@
 #include "cli/CliOptions.h"
 
+#include <cmath>
 #include <optional>
 
 #include <QFileInfo>
@@ -74,6 +75,8 @@ private:
             m_options.listModels = true;
         else if (m_name == QStringLiteral("--check"))
             m_options.check = true;
+        else if (m_name == QStringLiteral("--estimate"))
+            m_options.estimate = true;
         else if (m_name == QStringLiteral("--json"))
             m_options.outputMode = OutputMode::json;
         else if (QFileInfo::exists(argument))
@@ -119,6 +122,10 @@ private:
             m_options.engine.providerID = providerID(value());
         else if (m_name == QStringLiteral("--set-key"))
             m_options.setKeyFor = providerID(value());
+        else if (m_name == QStringLiteral("--price"))
+            m_options.price = price(value());
+        else if (m_name == QStringLiteral("--max-cost"))
+            job.maxCost = dollars(value(), false);
         else
             return engineSetting();
         return true;
@@ -161,6 +168,28 @@ private:
                 QString::number(minimum) + QStringLiteral(", no «") + text + QStringLiteral("».")};
         }
         return number;
+    }
+
+    // "0.5" or "0,5"; zero is refused where it would make no sense (a cap of nothing).
+    double dollars(QString text, bool zeroAllowed) const {
+        bool ok = false;
+        const double amount = QString(text).replace(u',', u'.').trimmed().toDouble(&ok);
+        if (!ok || amount < 0 || (amount == 0 && !zeroAllowed) || !std::isfinite(amount)) {
+            throw UsageError{QStringLiteral("«") + m_name +
+                             QStringLiteral("» espera dólares, como 0.50, no «") + text +
+                             QStringLiteral("».")};
+        }
+        return amount;
+    }
+
+    TokenPrice price(const QString& text) const {
+        const QStringList parts = text.split(u',');
+        if (parts.size() != 2) {
+            throw UsageError{QStringLiteral("«--price» espera dos precios separados por coma, en "
+                                            "dólares por millón de tokens de entrada y de salida: "
+                                            "--price 3,15 o --price 0.15,0.6.")};
+        }
+        return {dollars(parts[0], true), dollars(parts[1], true)};
     }
 
     static SpanishVariant variant(const QString& text) {
@@ -292,6 +321,13 @@ QString helpText() {
         "  --context-lines N       líneas anteriores enviadas como contexto (predeterminado: 4)\n"
         "  --no-cache              sin caché de traducciones (solo ahorra pedidos al reintentar\n"
         "                          dentro de una misma ejecución; cada ejecución empieza de cero)\n"
+        "  --estimate              solo estimar pedidos, tokens, costo y tiempo de cada video,\n"
+        "                          sin mandar nada al motor\n"
+        "  --price ENTRADA,SALIDA  dólares por millón de tokens de entrada y de salida, para\n"
+        "                          esta vez (si no: el precio que cargaste en la app o el "
+        "conocido)\n"
+        "  --max-cost DÓLARES      tope de gasto por video: para antes del pedido que lo pueda\n"
+        "                          pasar (si no: el tope que pusiste en la app)\n"
         "  --list-tracks           solo mostrar las pistas de subtítulos de cada video\n"
         "  --list-names            solo mostrar los nombres que aparecen en los videos, como\n"
         "                          lista de nombres y términos\n"
@@ -308,6 +344,9 @@ QString helpText() {
         "  veltomkv-cli --provider local --model qwen3:8b Pelicula.mkv\n"
         "  veltomkv-cli --provider claudeCLI --cli-model sonnet Pelicula.mkv\n"
         "  veltomkv-cli --provider echo Pelicula.mkv\n"
+        "  veltomkv-cli --provider openai --model gpt-5-mini --estimate Pelicula.mkv\n"
+        "  veltomkv-cli --provider custom --model deepseek-chat --price 0.28,0.42 --max-cost 0.50 "
+        "Pelicula.mkv\n"
         "\n"
         "Salida: 0 si todo salió bien, 1 si falló algún video (o el chequeo), 2 si las\n"
         "opciones no son válidas, 3 si se escribió todo pero quedaron subtítulos sin traducir\n"

@@ -36,6 +36,10 @@ struct CliOptions {
     std::optional<QString> setKeyFor;
     bool listModels = false;
     bool check = false;
+    // Print what each video's translation would take, and send nothing.
+    bool estimate = false;
+    // US$ per million input and output tokens for this run, over the stored and known prices.
+    std::optional<TokenPrice> price;
     OutputMode outputMode = OutputMode::automatic;
 };
 

@@ -3,7 +3,9 @@
 #include <QFileInfo>
 
 #include "VeltoKit/core/VeltoError.h"
+#include "VeltoKit/job/CostEstimate.h"
 #include "VeltoKit/job/JobError.h"
+#include "VeltoKit/job/SourceTexts.h"
 #include "VeltoKit/job/TranslationJob.h"
 #include "VeltoKit/media/MediaInfo.h"
 #include "cli/Reporter.h"
@@ -94,6 +96,12 @@ int CliRunner::run(std::stop_token stop, const std::function<bool()>& wasInterru
 qint64 CliRunner::runOne(const QString& video, std::stop_token stop) {
     if (m_options.listTracks) {
         m_reporter.tracks(video, m_ffmpeg.inspect(video, stop));
+        return 0;
+    }
+    if (m_options.estimate) {
+        const SourceTexts source = SourceTexts::read(m_ffmpeg, video, m_options.job, stop);
+        m_reporter.estimated(video,
+                             CostEstimate::make(source.texts, m_options.job, source.languageName));
         return 0;
     }
     const TranslationJob job(m_ffmpeg, m_backend, m_options.job, m_cacheDirectory);

@@ -5,8 +5,10 @@
 #include <QFileInfo>
 #include <QLocale>
 
+#include "VeltoKit/job/CostEstimate.h"
 #include "VeltoKit/job/JobResult.h"
 #include "VeltoKit/job/JobUpdate.h"
+#include "VeltoKit/job/UsageSummary.h"
 #include "VeltoKit/media/MediaInfo.h"
 #include "cli/TerminalText.h"
 
@@ -56,6 +58,8 @@ void HumanReporter::started(const QString&) {
 }
 
 void HumanReporter::update(const JobUpdate& update) {
+    if (update.estimate)
+        estimated(QString(), *update.estimate);
     const std::lock_guard lock(m_mutex);
     if (m_redraw) {
         m_current = update;
@@ -102,6 +106,27 @@ void HumanReporter::tracks(const QString& video, const MediaInfo& info) {
     writeText(m_out, text);
 }
 
+void HumanReporter::estimated(const QString& video, const CostEstimate& estimate) {
+    const std::lock_guard lock(m_mutex);
+    clearStatusLine();
+    // Without a video it comes before that video's translation, whose name is already shown.
+    QString text = video.isEmpty() ? QStringLiteral("Estimación: ")
+                                   : QFileInfo(video).fileName() + QStringLiteral(": ");
+    text += estimate.summary() + u'\n';
+    if (estimate.requests > 0) {
+        static const QLocale spanish(QLocale::Spanish, QLocale::Argentina);
+        text += QStringLiteral("  ") + spanish.toString(estimate.inputTokens) +
+                QStringLiteral(" tokens de entrada y ") +
+                spanish.toString(estimate.outputTokensLow) + u'\x2013' +
+                spanish.toString(estimate.outputTokensHigh) + QStringLiteral(" de salida");
+        if (estimate.cached > 0)
+            text += QStringLiteral(" (") + spanish.toString(estimate.cached) +
+                    QStringLiteral(" subtítulos ya están en la caché)");
+        text += u'\n';
+    }
+    writeText(m_out, text);
+}
+
 void HumanReporter::finished(const QString& video, const JobResult& result) {
     const std::lock_guard lock(m_mutex);
     clearStatusLine();
@@ -114,6 +139,8 @@ void HumanReporter::finished(const QString& video, const JobResult& result) {
     if (result.failedLines > 0)
         counts.append(QString::number(result.failedLines) + QStringLiteral(" sin traducir"));
     counts.append(secondsText(result.elapsed));
+    if (result.requests > 0)
+        counts.append(UsageSummary::of(result));
 
     // A track partly in the source language is no "Listo".
     const QString outcome = result.failedLines > 0

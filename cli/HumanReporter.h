@@ -24,6 +24,7 @@ public:
     void started(const QString& video) override;
     void update(const JobUpdate& update) override;
     void tracks(const QString& video, const MediaInfo& info) override;
+    void estimated(const QString& video, const CostEstimate& estimate) override;
     void finished(const QString& video, const JobResult& result) override;
     void failed(const QString& video, const QString& message, const QString& hint) override;
     void listingFailed(const QString& video, const QString& message) override;

@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include "VeltoKit/job/CostEstimate.h"
 #include "VeltoKit/job/JobResult.h"
 #include "VeltoKit/job/JobUpdate.h"
 #include "VeltoKit/job/QualityCheck.h"
@@ -60,6 +61,8 @@ void JsonReporter::started(const QString& video) {
 }
 
 void JsonReporter::update(const JobUpdate& update) {
+    if (update.estimate)
+        estimated(m_video, *update.estimate);
     QJsonObject object{
         {QStringLiteral("stage"), caseName(update.stage)},
         {QStringLiteral("label"), label(update)},
@@ -75,7 +78,36 @@ void JsonReporter::tracks(const QString& video, const MediaInfo& info) {
     print(QStringLiteral("tracks"), {{QStringLiteral("tracks"), trackArray(info.tracks)}});
 }
 
+void JsonReporter::estimated(const QString& video, const CostEstimate& estimate) {
+    m_video = video;
+    const auto dollars = [](std::optional<double> amount) {
+        return amount ? QJsonValue(*amount) : QJsonValue();
+    };
+    print(QStringLiteral("estimate"),
+          {
+              {QStringLiteral("cues"), estimate.cues},
+              {QStringLiteral("cached"), estimate.cached},
+              {QStringLiteral("requests"), estimate.requests},
+              {QStringLiteral("inputTokens"), estimate.inputTokens},
+              {QStringLiteral("outputTokens"), estimate.outputTokens},
+              {QStringLiteral("outputTokensLow"), estimate.outputTokensLow},
+              {QStringLiteral("outputTokensHigh"), estimate.outputTokensHigh},
+              {QStringLiteral("costLow"), dollars(estimate.costLow())},
+              {QStringLiteral("costHigh"), dollars(estimate.costHigh())},
+              {QStringLiteral("secondsLow"), estimate.secondsLow},
+              {QStringLiteral("secondsHigh"), estimate.secondsHigh},
+              {QStringLiteral("summary"), estimate.summary()},
+          });
+}
+
 void JsonReporter::finished(const QString&, const JobResult& result) {
+    print(QStringLiteral("usage"),
+          {
+              {QStringLiteral("requests"), result.requests},
+              {QStringLiteral("inputTokens"), result.usage.input},
+              {QStringLiteral("outputTokens"), result.usage.output},
+              {QStringLiteral("cost"), result.cost ? QJsonValue(*result.cost) : QJsonValue()},
+          });
     // Always sent, so a script can tell a clean run from an old program.
     print(QStringLiteral("quality"),
           {{QStringLiteral("findings"), findingArray(result.qualityFindings)}});

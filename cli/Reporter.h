@@ -3,6 +3,7 @@
 #include <QString>
 
 namespace velto {
+struct CostEstimate;
 struct JobResult;
 struct JobUpdate;
 struct MediaInfo;
@@ -19,6 +20,9 @@ public:
     virtual void started(const QString& video) = 0;
     virtual void update(const JobUpdate& update) = 0;
     virtual void tracks(const QString& video, const MediaInfo& info) = 0;
+    // What translating the video will take, before anything is sent (or instead, with
+    // --estimate).
+    virtual void estimated(const QString& video, const CostEstimate& estimate) = 0;
     virtual void finished(const QString& video, const JobResult& result) = 0;
     // `hint` says what to do about it from the command line; may be empty.
     virtual void failed(const QString& video, const QString& message, const QString& hint) = 0;

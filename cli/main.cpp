@@ -8,6 +8,7 @@
 #include "VeltoKit/media/ShellError.h"
 #include "VeltoKit/platform/Keychain.h"
 #include "VeltoKit/providers/ModelDiscovery.h"
+#include "VeltoKit/providers/ModelPrices.h"
 #include "VeltoKit/providers/Preferences.h"
 #include "VeltoKit/translation/TranslationBackend.h"
 #include "cli/CliOptions.h"
@@ -96,9 +97,9 @@ int translate(CliOptions options, const EngineConfiguration& engine) {
             return failWith(error.description());
         }
     }
-    // Listing tracks asks no engine, so it needs none configured.
+    // Listing tracks and estimating ask no engine, so they need none configured.
     std::shared_ptr<const TranslationBackend> backend;
-    if (!options.listTracks) {
+    if (!options.listTracks && !options.estimate) {
         backend = makeBackend(engine);
         if (!backend)
             return jobFailed;
@@ -128,7 +129,18 @@ int execute(const CliOptions& options) {
         return listModels(engine);
     if (options.check)
         return check(engine);
-    return translate(options, engine);
+    CliOptions priced = options;
+    priced.job.price =
+        options.price
+            ? options.price
+            : ModelPrices::resolve(
+                  engine.provider, engine.model, engine.baseURL,
+                  preferences.userPrice(engine.provider,
+                                        ModelPrices::billedModel(engine.provider, engine.model)))
+                  .price;
+    if (!priced.job.maxCost)
+        priced.job.maxCost = preferences.maxCost();
+    return translate(priced, engine);
 }
 
 } // namespace

@@ -35,6 +35,7 @@ const HttpBackend::Service& anthropic() {
                             .statuses = {{{},
                                           TranslationError::fatal,
                                           u"Anthropic no devolvió los modelos ({status}): "}}},
+        .usage = {u"usage", u"input_tokens", {u"output_tokens"}},
     };
     return service;
 }
@@ -131,8 +132,12 @@ QString AnthropicBackend::cacheScope() const {
     return label() + u'|' + model() + u'|' + rawValue(m_effort);
 }
 
-QString AnthropicBackend::complete(const QString& system, const QString& prompt,
-                                   std::stop_token stop) const {
+std::optional<qint64> AnthropicBackend::outputLimit() const {
+    return m_maxTokens;
+}
+
+EngineAnswer AnthropicBackend::answer(const QString& system, const QString& prompt,
+                                      std::stop_token stop) const {
     if (apiKey().isEmpty())
         throw TranslationError::fatal(missingKeyMessage());
     const QJsonObject body{

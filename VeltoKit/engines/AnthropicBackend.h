@@ -50,8 +50,9 @@ public:
 
     QString label() const override;
     QString cacheScope() const override;
-    QString complete(const QString& system, const QString& prompt,
-                     std::stop_token stop) const override;
+    EngineAnswer answer(const QString& system, const QString& prompt,
+                        std::stop_token stop) const override;
+    std::optional<qint64> outputLimit() const override;
 
 private:
     QString answerOf(const JsonReader& reply) const override;

@@ -36,6 +36,10 @@ const HttpBackend::Service& gemini() {
             {.quotesServiceMessage = true,
              .unreadable = QStringLiteral("no pude leer la lista"),
              .statuses = {{{}, TranslationError::fatal, u"Gemini no devolvió los modelos: "}}},
+        // Thinking is not part of the candidates' count but is billed like them.
+        .usage = {u"usageMetadata",
+                  u"promptTokenCount",
+                  {u"candidatesTokenCount", u"thoughtsTokenCount"}},
     };
     return service;
 }
@@ -94,8 +98,12 @@ QString GeminiBackend::cacheScope() const {
     return label() + u'|' + model();
 }
 
-QString GeminiBackend::complete(const QString& system, const QString& prompt,
-                                std::stop_token stop) const {
+std::optional<qint64> GeminiBackend::outputLimit() const {
+    return m_maxOutputTokens;
+}
+
+EngineAnswer GeminiBackend::answer(const QString& system, const QString& prompt,
+                                   std::stop_token stop) const {
     if (apiKey().isEmpty()) {
         throw TranslationError::fatal(QStringLiteral("Falta la API key de Gemini. Sacala de ") +
                                       keyPageUrl() + QStringLiteral(" y cargala en Ajustes."));

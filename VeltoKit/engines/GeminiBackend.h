@@ -24,8 +24,9 @@ public:
 
     QString label() const override;
     QString cacheScope() const override;
-    QString complete(const QString& system, const QString& prompt,
-                     std::stop_token stop) const override;
+    EngineAnswer answer(const QString& system, const QString& prompt,
+                        std::stop_token stop) const override;
+    std::optional<qint64> outputLimit() const override;
 
     double temperature() const { return m_temperature; }
     int maxOutputTokens() const { return m_maxOutputTokens; }

@@ -38,14 +38,30 @@ HttpResponse HttpBackend::Service::fetchListing(const QString& baseUrl, const QS
     return response;
 }
 
+std::optional<TokenUsage> HttpBackend::Service::usageOf(const JsonReader& reply) const {
+    const std::optional<JsonReader> record = reply.object(usage.record);
+    const std::optional<qint64> input = record ? record->integer(usage.input) : std::nullopt;
+    if (!input)
+        return std::nullopt;
+    TokenUsage used{*input, 0};
+    for (const QStringView output : usage.outputs)
+        used.output += record->integer(output).value_or(0);
+    return used;
+}
+
 HttpBackend::HttpBackend(Settings settings, const Service& service)
     : m_settings(std::move(settings))
     , m_service(service) {
     m_settings.baseUrl = trimBaseAddress(m_settings.baseUrl);
 }
 
-QString HttpBackend::post(const QString& path, const QJsonObject& body,
-                          std::stop_token stop) const {
+QString HttpBackend::complete(const QString& system, const QString& prompt,
+                              std::stop_token stop) const {
+    return answer(system, prompt, stop).text;
+}
+
+EngineAnswer HttpBackend::post(const QString& path, const QJsonObject& body,
+                               std::stop_token stop) const {
     HttpRequest request;
     request.method = HttpMethod::post;
     request.url = m_service.address(m_settings.baseUrl, path);
@@ -57,10 +73,11 @@ QString HttpBackend::post(const QString& path, const QJsonObject& body,
         const HttpResponse response = send(request, stop);
         if (response.status != 200)
             throw m_service.answerFailures.errorFor(response, m_settings.model);
-        const QString text = answerOf(JsonReader::parse(response.body));
-        if (text.trimmed().isEmpty())
+        const JsonReader reply = JsonReader::parse(response.body);
+        EngineAnswer answer{answerOf(reply), m_service.usageOf(reply)};
+        if (answer.text.trimmed().isEmpty())
             throw TranslationError::transient(m_service.emptyAnswer);
-        return text;
+        return answer;
     };
     return Retry::withBackoff(m_service.attempts, exchange, stop, m_settings.wait);
 }

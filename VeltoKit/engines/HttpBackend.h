@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <stop_token>
 #include <utility>
 
@@ -52,6 +53,16 @@ public:
         FailureWording answerFailures;
         double listingTimeout;
         FailureWording listingFailures;
+        // Where a 200 answer says what it billed: the record, its input member and the members
+        // that add up to the output (thinking is billed as output).
+        struct UsageFields {
+            QStringView record;
+            QStringView input;
+            QList<QStringView> outputs;
+        } usage;
+
+        // The usage a 200 answer reports; absent when it reports none.
+        std::optional<TokenUsage> usageOf(const JsonReader& reply) const;
 
         QList<Header> headers(const QString& apiKey) const;
         // The base address, trimmed, followed by `path`; the fatal invalidAddress when that is
@@ -69,13 +80,16 @@ public:
     QString baseUrl() const { return m_settings.baseUrl; }
     double timeout() const { return m_settings.timeout; }
 
+    QString complete(const QString& system, const QString& prompt,
+                     std::stop_token stop) const final;
+
 protected:
     HttpBackend(Settings settings, const Service& service);
 
     // POSTs `body` to the base address followed by `path`, up to the service's attempts. A status
     // other than 200 becomes the service's error for it; a 200 answer is read by answerOf(), and
     // one of white space only is the service's empty answer.
-    QString post(const QString& path, const QJsonObject& body, std::stop_token stop) const;
+    EngineAnswer post(const QString& path, const QJsonObject& body, std::stop_token stop) const;
     // The `id` of every entry of a listing's `data`, sorted.
     static QStringList sortedIds(const HttpResponse& listing);
     // One exchange; a transport error passes as it stands, so it is retried.

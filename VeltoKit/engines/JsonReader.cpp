@@ -1,5 +1,7 @@
 #include "VeltoKit/engines/JsonReader.h"
 
+#include <cmath>
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonParseError>
@@ -45,6 +47,18 @@ QString JsonReader::requiredString(QStringView key) const {
         return *value;
     throw JsonError(QStringLiteral("La respuesta del servidor no trae el campo «") + key +
                     QStringLiteral("»."));
+}
+
+std::optional<qint64> JsonReader::integer(QStringView key) const {
+    const QJsonValue value = member(key);
+    if (value.isUndefined())
+        return std::nullopt;
+    // Range first: converting a double out of range is undefined.
+    constexpr double limit = 9.0e18;
+    const double number = value.toDouble();
+    if (!value.isDouble() || !(std::abs(number) < limit) || number != std::trunc(number))
+        throw wrongType(key);
+    return static_cast<qint64>(number);
 }
 
 std::optional<JsonReader> JsonReader::object(QStringView key) const {

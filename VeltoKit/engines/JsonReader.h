@@ -29,6 +29,8 @@ public:
 
     std::optional<QString> string(QStringView key) const;
     QString requiredString(QStringView key) const;
+    // A whole number; a fraction or any other type is the wrong type.
+    std::optional<qint64> integer(QStringView key) const;
     std::optional<JsonReader> object(QStringView key) const;
     // An absent list reads as empty.
     QList<JsonReader> objects(QStringView key) const;

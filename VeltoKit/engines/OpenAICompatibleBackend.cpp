@@ -32,6 +32,8 @@ const HttpBackend::Service& openAICompatible() {
             {.statuses = {{{},
                            TranslationError::fatal,
                            u"El servidor respondió con un error al listar modelos."}}},
+        // completion_tokens already holds the reasoning tokens its details break out.
+        .usage = {u"usage", u"prompt_tokens", {u"completion_tokens"}},
     };
     return service;
 }
@@ -68,8 +70,8 @@ QString OpenAICompatibleBackend::cacheScope() const {
     return label() + u'|' + baseUrl() + u'|' + model();
 }
 
-QString OpenAICompatibleBackend::complete(const QString& system, const QString& prompt,
-                                          std::stop_token stop) const {
+EngineAnswer OpenAICompatibleBackend::answer(const QString& system, const QString& prompt,
+                                             std::stop_token stop) const {
     if (model().isEmpty())
         throw TranslationError::fatal(QStringLiteral("Elegí un modelo en Ajustes."));
     const QJsonObject body{

@@ -21,8 +21,8 @@ public:
 
     QString label() const override;
     QString cacheScope() const override;
-    QString complete(const QString& system, const QString& prompt,
-                     std::stop_token stop) const override;
+    EngineAnswer answer(const QString& system, const QString& prompt,
+                        std::stop_token stop) const override;
 
     double temperature() const { return m_temperature; }
 

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "VeltoKit/job/JobOutputs.h"
+#include "VeltoKit/job/TokenPrice.h"
 #include "VeltoKit/translation/Glossary.h"
 #include "VeltoKit/translation/SpanishVariant.h"
 
@@ -35,6 +36,10 @@ struct JobOptions {
     JobOutputs outputs = JobOutputs::video;
     // Names and terms; absent: the list file in the source's folder, when there is one.
     std::optional<Glossary> glossary;
+    // What the engine charges; absent when unknown. Free engines cost 0.
+    std::optional<TokenPrice> price;
+    // US dollars the job may spend at most; absent: no cap.
+    std::optional<double> maxCost;
 };
 
 } // namespace velto

@@ -8,6 +8,7 @@
 
 #include "VeltoKit/job/QualityFinding.h"
 #include "VeltoKit/media/SubtitleTrack.h"
+#include "VeltoKit/translation/TokenUsage.h"
 
 namespace velto {
 
@@ -29,6 +30,11 @@ struct JobResult {
     QList<SubtitleTrack> finalTracks;
     // Cues a viewer would trip over, in cue order; `warnings` sums them up.
     QList<QualityFinding> qualityFindings;
+    // What the engine's requests took, and what they cost in US dollars (absent when the
+    // price is unknown).
+    TokenUsage usage;
+    qint64 requests = 0;
+    std::optional<double> cost;
 
     // What a person looks for first: the video, else the subtitle file.
     const QString& written() const {

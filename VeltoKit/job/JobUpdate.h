@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include "VeltoKit/job/CostEstimate.h"
 #include "VeltoKit/job/JobStage.h"
 #include "VeltoKit/translation/TranslationProgress.h"
 
@@ -19,6 +20,8 @@ struct JobUpdate {
     // On the reports of the translation: the translator's own counts and the cues that just
     // arrived, for a front end that words them itself or shows them as they come.
     std::optional<TranslationProgress> translation{};
+    // Once, as the translation starts: what the requests still to send will take.
+    std::optional<CostEstimate> estimate{};
 
     bool operator==(const JobUpdate&) const = default;
 };

@@ -9,9 +9,11 @@
 
 #include "VeltoKit/core/OwnerOnly.h"
 #include "VeltoKit/core/VeltoError.h"
+#include "VeltoKit/job/CostEstimate.h"
 #include "VeltoKit/job/GlossaryReview.h"
 #include "VeltoKit/job/JobError.h"
 #include "VeltoKit/job/JobPlan.h"
+#include "VeltoKit/job/MeteredBackend.h"
 #include "VeltoKit/job/QualityCheck.h"
 #include "VeltoKit/job/QualityReview.h"
 #include "VeltoKit/job/SidecarFile.h"
@@ -52,7 +54,9 @@ public:
            const JobOptions& options, const QString& cacheDirectory, const QString& source,
            const TranslationJob::UpdateHandler& onUpdate, std::stop_token stop)
         : m_ffmpeg(ffmpeg)
-        , m_backend(backend)
+        , m_meter(std::make_shared<MeteredBackend>(backend, options.price, options.maxCost,
+                                                   options.useCache))
+        , m_backend(m_meter)
         , m_options(options)
         , m_cacheDirectory(cacheDirectory)
         , m_source(source)
@@ -77,7 +81,10 @@ public:
             document = strip(document);
         throwIfStopped(m_stop);
         report(JobStage::checking, m_backend->label());
+        QElapsedTimer check;
+        check.start();
         m_backend->preflight(m_stop);
+        m_pace.latency = static_cast<double>(check.nsecsElapsed()) / 1e9;
         const QStringList translations = translate(*document);
         const QString subtitle = rebuild(*document, translations, work);
         std::optional<SidecarFile> sidecar;
@@ -94,6 +101,9 @@ public:
         report(JobStage::done, QFileInfo(written).fileName(), 1.0);
         m_result.outputURL = m_plan.output.value_or(QString());
         m_result.elapsed = static_cast<double>(m_clock.nsecsElapsed()) / 1e9;
+        m_result.usage = m_meter->usage();
+        m_result.requests = m_meter->requests();
+        m_result.cost = m_meter->spent();
         return m_result;
     }
 
@@ -119,6 +129,9 @@ private:
         if (m_options.contextLines < 0)
             refuse(QStringLiteral("Las líneas de contexto no pueden ser menos de 0"),
                    m_options.contextLines);
+        if (m_options.maxCost && !m_options.price)
+            throw JobError::badOptions(QStringLiteral(
+                "No sé cuánto cobra este modelo, así que no puedo cuidar el tope de gasto."));
     }
 
     void checkOutputFolder() const {
@@ -199,10 +212,18 @@ private:
                                     m_options.batchSize, m_options.contextLines,
                                     m_options.concurrency, cache, glossary());
         const QStringList texts = document.texts();
-        report(JobStage::translating,
-               QString::number(texts.size()) + (texts.size() == 1 ? QStringLiteral(" subtítulo")
-                                                                  : QStringLiteral(" subtítulos")),
-               0.0);
+        const QString count =
+            QString::number(texts.size()) +
+            (texts.size() == 1 ? QStringLiteral(" subtítulo") : QStringLiteral(" subtítulos"));
+        if (m_onUpdate) {
+            const auto isCached = [&](const QString& text) {
+                return cache && cache->get(cache->key(text)).has_value();
+            };
+            JobUpdate announced{JobStage::translating, count, 0.0};
+            announced.estimate =
+                CostEstimate::make(texts, m_options, m_plan.sourceLanguageName(), m_pace, isCached);
+            m_onUpdate(announced);
+        }
         const Translator::Result result = translator.translateAll(
             texts,
             // The translator calls this one call at a time, from whichever thread finished.
@@ -278,7 +299,8 @@ private:
     }
 
     const FFmpeg& m_ffmpeg;
-    const std::shared_ptr<const TranslationBackend>& m_backend;
+    const std::shared_ptr<const MeteredBackend> m_meter;
+    const std::shared_ptr<const TranslationBackend> m_backend;
     const JobOptions& m_options;
     const QString& m_cacheDirectory;
     const QString& m_source;
@@ -286,6 +308,8 @@ private:
     std::stop_token m_stop;
     QElapsedTimer m_clock;
     JobPlan m_plan;
+    // The latency is the self-check's.
+    EnginePace m_pace;
     JobResult m_result;
 };
 

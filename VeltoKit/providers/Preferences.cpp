@@ -1,6 +1,9 @@
 #include "VeltoKit/providers/Preferences.h"
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -37,7 +40,9 @@ Preferences::Preferences(std::unique_ptr<QSettings> settings, KeyReader readKey,
     , m_outputs(*m_settings, QStringLiteral("outputs"), rawValue(JobOptions().outputs))
     , m_ffmpegDirectory(*m_settings, QStringLiteral("ffmpegDirectory"), QString())
     , m_lastFolder(*m_settings, QStringLiteral("lastFolder"), QString())
-    , m_windowSize(*m_settings, QStringLiteral("windowSize"), QSize()) {}
+    , m_windowSize(*m_settings, QStringLiteral("windowSize"), QSize())
+    , m_userPrices(*m_settings, QStringLiteral("modelPrices"), QString())
+    , m_maxCost(*m_settings, QStringLiteral("maxCost"), 0.0) {}
 
 Preferences::~Preferences() = default;
 
@@ -280,7 +285,58 @@ JobOptions Preferences::makeJobOptions(std::optional<QString> output,
     options.outputURL = std::move(output);
     options.forcedTrackIndex = forcedTrack;
     options.force = force;
+    options.price = price().price;
+    options.maxCost = maxCost();
     return options;
+}
+
+} // namespace velto
+
+namespace velto {
+namespace {
+
+QString priceKey(const Provider& provider, const QString& model) {
+    return provider.id + u'|' + model;
+}
+
+} // namespace
+
+std::optional<TokenPrice> Preferences::userPrice(const Provider& provider,
+                                                 const QString& model) const {
+    const QJsonArray pair = QJsonDocument::fromJson(m_userPrices.get().toUtf8())
+                                .object()
+                                .value(priceKey(provider, model))
+                                .toArray();
+    if (pair.size() != 2 || !pair[0].isDouble() || !pair[1].isDouble())
+        return std::nullopt;
+    return TokenPrice{pair[0].toDouble(), pair[1].toDouble()};
+}
+
+void Preferences::setUserPrice(const Provider& provider, const QString& model,
+                               const std::optional<TokenPrice>& price) {
+    QJsonObject prices = QJsonDocument::fromJson(m_userPrices.get().toUtf8()).object();
+    if (price)
+        prices.insert(priceKey(provider, model),
+                      QJsonArray{price->inputPerMillion, price->outputPerMillion});
+    else
+        prices.remove(priceKey(provider, model));
+    store(m_userPrices, QString::fromUtf8(QJsonDocument(prices).toJson(QJsonDocument::Compact)),
+          &Preferences::jobOptionsChanged);
+}
+
+ModelPrices::Lookup Preferences::price() const {
+    const Provider& chosen = provider();
+    return ModelPrices::resolve(chosen, model(chosen), baseURL(chosen),
+                                userPrice(chosen, ModelPrices::billedModel(chosen, model(chosen))));
+}
+
+std::optional<double> Preferences::maxCost() const {
+    const double dollars = m_maxCost.get();
+    return dollars > 0 ? std::optional(dollars) : std::nullopt;
+}
+
+void Preferences::setMaxCost(std::optional<double> dollars) {
+    store(m_maxCost, dollars.value_or(0.0), &Preferences::jobOptionsChanged);
 }
 
 } // namespace velto

@@ -12,6 +12,7 @@
 #include "VeltoKit/engines/AnthropicBackend.h"
 #include "VeltoKit/job/JobOptions.h"
 #include "VeltoKit/providers/EngineConfiguration.h"
+#include "VeltoKit/providers/ModelPrices.h"
 #include "VeltoKit/providers/Provider.h"
 #include "VeltoKit/providers/SettingValue.h"
 #include "VeltoKit/translation/SpanishVariant.h"
@@ -94,6 +95,17 @@ public:
     QString baseURL(const Provider& provider) const;
     void setBaseURL(const QString& address, const Provider& provider);
 
+    // The price the user gave for a model of a provider; absent while none.
+    std::optional<TokenPrice> userPrice(const Provider& provider, const QString& model) const;
+    // Absent forgets it, so the table's price (or none) applies again.
+    void setUserPrice(const Provider& provider, const QString& model,
+                      const std::optional<TokenPrice>& price);
+    // The price the chosen engine's jobs go by, and where it came from.
+    ModelPrices::Lookup price() const;
+    // US dollars one job may spend; absent: no cap.
+    std::optional<double> maxCost() const;
+    void setMaxCost(std::optional<double> dollars);
+
     // The key of a provider, from the credential store unless another reader was given.
     QString apiKey(const Provider& provider) const;
     // Stores the key (an empty one deletes it); the engine's readiness follows at once.
@@ -144,6 +156,10 @@ private:
     SettingValue<QString> m_ffmpegDirectory;
     SettingValue<QString> m_lastFolder;
     SettingValue<QSize> m_windowSize;
+    // A JSON object: "<provider id>|<model>" to [input, output] dollars per million tokens.
+    SettingValue<QString> m_userPrices;
+    // 0 stands for no cap.
+    SettingValue<double> m_maxCost;
 };
 
 } // namespace velto

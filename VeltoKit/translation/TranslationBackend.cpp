@@ -8,6 +8,15 @@ QString TranslationBackend::cacheScope() const {
     return label();
 }
 
+EngineAnswer TranslationBackend::answer(const QString& system, const QString& prompt,
+                                        std::stop_token stop) const {
+    return {complete(system, prompt, stop), std::nullopt};
+}
+
+std::optional<qint64> TranslationBackend::outputLimit() const {
+    return std::nullopt;
+}
+
 void TranslationBackend::preflight(std::stop_token stop) const {
     const QString answer =
         complete(QStringLiteral("Respondé exactamente con el texto pedido, sin agregar nada más."),

@@ -229,6 +229,8 @@ void AppState::endLeg(bool failed) {
 }
 
 void AppState::applyUpdate(const JobUpdate& update) {
+    if (update.estimate && m_timeLeft)
+        m_timeLeft->expect(*update.estimate, TimeLeft::Clock::now());
     if (const std::optional<TranslationProgress>& translation = update.translation) {
         if (m_timeLeft)
             m_timeLeft->observe(*translation, TimeLeft::Clock::now());

@@ -62,6 +62,8 @@ public:
     const QStringList& warnings() const { return m_warnings; }
     const std::optional<QString>& ffmpegStatus() const { return m_ffmpegStatus; }
     bool ffmpegReady() const { return m_ffmpegReady; }
+    // The tools the last probe found.
+    const std::optional<FFmpeg>& tools() const { return m_tools; }
     // A job is running (the task, which the views do not see).
     bool hasTask() const { return m_task.has_value(); }
     // Background tasks still winding down, cancelled ones included.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "VeltoKit/job/CostEstimate.h"
 #include "VeltoKit/translation/TranslationProgress.h"
 
 namespace velto {
@@ -30,9 +31,18 @@ void TimeLeft::observe(const TranslationProgress& progress, Clock::time_point no
         m_marks.removeFirst();
 }
 
+void TimeLeft::expect(const CostEstimate& estimate, Clock::time_point now) {
+    // The middle of the range: the low end assumes the fastest service, the high end the slowest.
+    m_expected = {(estimate.secondsLow + estimate.secondsHigh) / 2, now};
+}
+
 std::optional<double> TimeLeft::secondsLeft(Clock::time_point now) const {
-    if (m_answers < m_concurrency)
-        return std::nullopt;
+    if (m_answers < m_concurrency) {
+        if (!m_expected)
+            return std::nullopt;
+        const double spent = std::chrono::duration<double>(now - m_expected->second).count();
+        return std::max(m_expected->first - spent, 0.0);
+    }
     if (m_left == 0)
         return 0.0;
     const auto seconds = [](Clock::duration span) {

@@ -2,12 +2,14 @@
 
 #include <chrono>
 #include <optional>
+#include <utility>
 
 #include <QList>
 #include <QtGlobal>
 
 namespace velto {
 
+struct CostEstimate;
 struct TranslationProgress;
 
 // A guess at how long a translation still needs, from the pace at which the engine's answers
@@ -16,6 +18,7 @@ struct TranslationProgress;
 // over the latest answers only, so a service that slows down (or speeds up) shows within a few
 // batches. Between answers the guess counts down, until the wait outlasts a round: then the
 // engine stalls, the wait counts as pace and the guess grows. Cache hits are no pace at all.
+// Until the first round is back, the guess is the job's estimate, counted down.
 class TimeLeft {
 public:
     using Clock = std::chrono::steady_clock;
@@ -24,7 +27,10 @@ public:
 
     // One report of the translator, seen at `now`; the first one marks the start.
     void observe(const TranslationProgress& progress, Clock::time_point now);
-    // Seconds still needed at `now`; none until the first batches have set a pace.
+    // The job's estimate as the translation starts at `now`: the guess until answers set a pace.
+    void expect(const CostEstimate& estimate, Clock::time_point now);
+    // Seconds still needed at `now`; none until the first batches have set a pace or an
+    // estimate came.
     std::optional<double> secondsLeft(Clock::time_point now) const;
 
 private:
@@ -39,6 +45,8 @@ private:
     qint64 m_left = 0;
     // The start, then one mark per answer, the oldest dropped past the window.
     QList<Mark> m_marks;
+    // The estimate's likely seconds, and when it was made.
+    std::optional<std::pair<double, Clock::time_point>> m_expected;
 };
 
 } // namespace velto

@@ -7,6 +7,7 @@
 #include <httplib.h>
 
 #include "VeltoKit/translation/BlockProtocol.h"
+#include "VeltoKit/translation/TokenCount.h"
 
 namespace velto::test {
 
@@ -90,7 +91,7 @@ QByteArray ChatCompletionsServer::answer(const QByteArray& requestBody) {
     const QString prompt = messages.last().toObject().value(QStringLiteral("content")).toString();
     const qsizetype start = prompt.indexOf(BlockProtocol::header());
     if (start < 0)
-        return reply(QStringLiteral("<think>Me piden PONG.</think>PONG"));
+        return reply(QStringLiteral("<think>Me piden PONG.</think>PONG"), messages);
     const std::map<int, QString> blocks =
         BlockProtocol::split(start < 0 ? prompt : prompt.mid(start));
 
@@ -105,16 +106,33 @@ QByteArray ChatCompletionsServer::answer(const QByteArray& requestBody) {
         }
     }
     return reply(QStringLiteral("<think>Veamos: son ") + QString::number(blocks.size()) +
-                 QStringLiteral(" bloques.</think>\n") + BlockProtocol::build(answered));
+                     QStringLiteral(" bloques.</think>\n") + BlockProtocol::build(answered),
+                 messages);
 }
 
-QByteArray ChatCompletionsServer::reply(const QString& content) {
+TokenUsage ChatCompletionsServer::reportedUsage() const {
+    std::lock_guard lock(m_mutex);
+    return m_usage;
+}
+
+QByteArray ChatCompletionsServer::reply(const QString& content, const QJsonArray& messages) {
     const QJsonObject message{{QStringLiteral("role"), QStringLiteral("assistant")},
                               {QStringLiteral("content"), content}};
-    return json(
-        {{QStringLiteral("choices"),
-          QJsonArray{QJsonObject{{QStringLiteral("message"), message},
-                                 {QStringLiteral("finish_reason"), QStringLiteral("stop")}}}}});
+    QJsonObject answer{
+        {QStringLiteral("choices"),
+         QJsonArray{QJsonObject{{QStringLiteral("message"), message},
+                                {QStringLiteral("finish_reason"), QStringLiteral("stop")}}}}};
+    if (m_behaviour.reportUsage) {
+        TokenUsage used{0, TokenCount::approximate(content)};
+        for (const QJsonValue& sent : messages)
+            used.input += TokenCount::approximate(sent[QStringLiteral("content")].toString());
+        answer.insert(QStringLiteral("usage"),
+                      QJsonObject{{QStringLiteral("prompt_tokens"), used.input},
+                                  {QStringLiteral("completion_tokens"), used.output}});
+        std::lock_guard lock(m_mutex);
+        m_usage += used;
+    }
+    return json(answer);
 }
 
 } // namespace velto::test

@@ -4,10 +4,12 @@
 #include <mutex>
 
 #include <QByteArray>
+#include <QJsonArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
 
+#include "VeltoKit/translation/TokenUsage.h"
 #include "support/LocalListener.h"
 
 namespace velto::test {
@@ -27,6 +29,8 @@ public:
         int port = 0;
         // Rewrites a block's answer; the default prefixes "es: ".
         std::function<QString(int number, const QString& text)> translate{};
+        // Reports the tokens of each answer as hosted services do, counted with TokenCount.
+        bool reportUsage = false;
     };
 
     explicit ChatCompletionsServer(Behaviour behaviour);
@@ -34,6 +38,8 @@ public:
     // The address a user types: "http://127.0.0.1:PORT/v1".
     QString baseUrl() const;
     int completions() const;
+    // What the reported usages add up to.
+    TokenUsage reportedUsage() const;
     // The Authorization headers received, in order.
     QList<QByteArray> authorizations() const;
     // The system prompt of every completion asked for, in order of arrival.
@@ -41,11 +47,12 @@ public:
 
 private:
     QByteArray answer(const QByteArray& requestBody);
-    static QByteArray reply(const QString& content);
+    QByteArray reply(const QString& content, const QJsonArray& messages);
 
     Behaviour m_behaviour;
     mutable std::mutex m_mutex;
     int m_completions = 0;
+    TokenUsage m_usage;
     bool m_lostOne = false;
     QList<QByteArray> m_authorizations;
     QStringList m_systemPrompts;

@@ -33,10 +33,14 @@ int main(int argc, char** argv) {
     pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
 
     const velto::test::ChatCompletionsServer server(
-        {.key = {}, .port = port, .translate = [delay](int, const QString& text) -> QString {
+        {.key = {},
+         .port = port,
+         .translate = [delay](int, const QString& text) -> QString {
              std::this_thread::sleep_for(std::chrono::milliseconds(delay));
              return QStringLiteral("es: ") + text;
-         }});
+         },
+         // As a real server does, so the cost shows.
+         .reportUsage = true});
     std::printf("Servidor de prueba en %s (modelos: modelo-a, modelo-b). Ctrl-C para terminar.\n",
                 qPrintable(server.baseUrl()));
     std::fflush(stdout);

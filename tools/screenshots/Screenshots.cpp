@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QListWidget>
 #include <QPalette>
 #include <QSettings>
@@ -14,6 +15,7 @@
 #include <QToolButton>
 
 #include "VeltoMKV/AppShell.h"
+#include "VeltoMKV/EstimateLine.h"
 #include "VeltoMKV/JobView.h"
 #include "VeltoMKV/MainWindow.h"
 #include "VeltoMKV/NamesPanel.h"
@@ -23,6 +25,9 @@
 #include "VeltoMKV/state/AppState.h"
 #include "VeltoMKV/state/NameList.h"
 #include "VeltoMKV/state/QueueState.h"
+#ifdef VELTO_SCREENSHOT_SERVER
+#include "support/ChatCompletionsServer.h"
+#endif
 
 using namespace velto;
 using namespace Qt::StringLiterals;
@@ -113,6 +118,15 @@ int main(int argc, char** argv) {
         qCritical("%s", qPrintable(state.phase().message()));
         return 1;
     }
+    const auto estimated = [&] {
+        return QTest::qWaitFor(
+            [&] {
+                const QString line = window.jobView()->findChild<EstimateLine*>()->text()->text();
+                return !line.isEmpty() && !line.startsWith(u"Calculando"_s);
+            },
+            patience);
+    };
+    (void)estimated();
     camera.take(window, u"main-ready"_s);
     window.jobView()->optionsDisclosure()->click();
     camera.take(window, u"main-ready-options"_s);
@@ -183,6 +197,26 @@ int main(int argc, char** argv) {
         shell.preferences().setProviderIDStorage(u"anthropic"_s);
         camera.take(window, u"main-ready-no-engine"_s);
     }
+
+#ifdef VELTO_SCREENSHOT_SERVER
+    // A server that bills, at a price of the user's: the estimate before, the cost after.
+    const test::ChatCompletionsServer server({.key = {}, .reportUsage = true});
+    Preferences& preferences = shell.preferences();
+    preferences.setProviderIDStorage(Provider::local().id);
+    preferences.setBaseURL(server.baseUrl(), Provider::local());
+    preferences.setModel(u"modelo-a"_s, Provider::local());
+    preferences.setUserPrice(Provider::local(), u"modelo-a"_s, TokenPrice{3, 15});
+    state.reset();
+    window.openFile(arguments[0]);
+    if (reaches(Phase::Kind::ready)) {
+        (void)estimated();
+        camera.take(window, u"main-ready-estimate"_s);
+        window.startJob();
+        if (reaches(Phase::Kind::finished))
+            camera.take(window, u"main-finished-cost"_s);
+        QFile::remove(state.result() ? state.result()->outputURL : QString());
+    }
+#endif
 
     // A file that is no video.
     const QString notAVideo = settings.filePath(u"Notas.mkv"_s);
