@@ -48,7 +48,6 @@ public:
     void setForce(bool force);
     // The names and terms the next job keeps; none: the list file beside the video.
     void setGlossary(std::optional<Glossary> glossary) { m_glossary = std::move(glossary); }
-    const std::optional<FFmpeg>& tools() const { return m_tools; }
     // Where the running job is: its stage, the detail line and the fraction when known.
     const JobUpdate& progress() const { return m_progress; }
     // The cues translated last, as they came back, newest last; at most liveLineCount.
