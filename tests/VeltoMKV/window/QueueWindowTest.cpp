@@ -1,42 +1,23 @@
 #include <algorithm>
 
-#include <QApplication>
 #include <QCheckBox>
-#include <QDir>
-#include <QDropEvent>
 #include <QLabel>
-#include <QMimeData>
 #include <QPushButton>
-#include <QSettings>
-#include <QTest>
-#include <QUrl>
 
 #include <gtest/gtest.h>
 
-#include "VeltoMKV/AppShell.h"
-#include "VeltoMKV/AppTesting.h"
 #include "VeltoMKV/DropZone.h"
 #include "VeltoMKV/MainWindow.h"
 #include "VeltoMKV/QueueRowView.h"
 #include "VeltoMKV/QueueView.h"
 #include "VeltoMKV/state/QueueState.h"
+#include "VeltoMKV/window/AppWindow.h"
 
 using namespace velto;
 using namespace velto::AppTesting;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-bool dropOn(QWidget* target, const QList<QUrl>& urls) {
-    QMimeData data;
-    data.setUrls(urls);
-    const QPoint centre = target->rect().center();
-    QDragEnterEvent enter(centre, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(target, &enter);
-    QDropEvent release(QPointF(centre), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(target, &release);
-    return enter.isAccepted() && release.isAccepted();
-}
 
 // What each row says: its name, then its state in a word.
 QStringList shown(const QueueView& view, qsizetype rows) {
@@ -47,24 +28,16 @@ QStringList shown(const QueueView& view, qsizetype rows) {
     return lines;
 }
 
-TEST(QueueWindow, ADroppedFolderRunsAsAQueueAndEndsWithASummary) {
-    QStandardPaths::setTestModeEnabled(true);
-    const QTemporaryDir settings;
-    AppShell shell(
-        std::make_unique<QSettings>(settings.filePath(u"VeltoMKV.ini"_s), QSettings::IniFormat),
-        [](const QString&) { return QString(); });
-    shell.preferences().setProviderIDStorage(u"echo"_s);
-    shell.preferences().setUseCache(false);
-    shell.show();
-    MainWindow& window = shell.window();
-    Workspace work;
+class QueueWindowTest : public AppWindowTest {};
+
+TEST_F(QueueWindowTest, ADroppedFolderRunsAsAQueueAndEndsWithASummary) {
     work.video(u"E10.mkv"_s, {track(u"eng"_s)});
     const QString first = work.video(u"E2.mkv"_s, {track(u"eng"_s), track(u"spa"_s)});
 
-    ASSERT_TRUE(dropOn(window.dropZone(), {QUrl::fromLocalFile(QFileInfo(first).path())}));
-    QueueView* view = window.queueView();
-    EXPECT_EQ(window.currentPage(), view);
-    const QueueState& queue = window.queueState();
+    ASSERT_TRUE(drop(window().dropZone(), {QUrl::fromLocalFile(QFileInfo(first).path())}));
+    QueueView* view = window().queueView();
+    EXPECT_EQ(window().currentPage(), view);
+    const QueueState& queue = window().queueState();
     const auto probed = [&] {
         return queue.backgroundTasks() == 0 &&
                std::all_of(queue.rows().begin(), queue.rows().end(),
@@ -77,7 +50,7 @@ TEST(QueueWindow, ADroppedFolderRunsAsAQueueAndEndsWithASummary) {
     ASSERT_TRUE(view->forceToggle()->isVisible());
     view->forceToggle()->click();
     EXPECT_EQ(view->startButton()->text(), u"Traducir los 2 videos"_s);
-    QTest::keyClick(&window, Qt::Key_Return);
+    QTest::keyClick(&window(), Qt::Key_Return);
     EXPECT_TRUE(view->cancelButton()->isVisible());
     ASSERT_TRUE(QTest::qWaitFor([&] { return !queue.isRunning(); }, patience));
     EXPECT_EQ(shown(*view, 2), (QStringList{u"E2.mkv: listo"_s, u"E10.mkv: listo"_s}));
@@ -87,15 +60,9 @@ TEST(QueueWindow, ADroppedFolderRunsAsAQueueAndEndsWithASummary) {
     EXPECT_EQ(work.entries(),
               (QStringList{u"E10.es.mkv"_s, u"E10.mkv"_s, u"E2.es.mkv"_s, u"E2.mkv"_s}));
 
-    const QString folder = QStringLiteral(VELTO_BINARY_DIR "/screenshots");
-    QDir().mkpath(folder);
-    const int scale = qRound(window.devicePixelRatioF() * 100);
-    EXPECT_TRUE(
-        window.grab().save(folder + u"/queue-finished-"_s + QString::number(scale) + u".png"_s));
-
     // A new list: the window goes back to its start page.
     view->startButton()->click();
-    EXPECT_EQ(window.currentPage(), window.dropZone());
+    EXPECT_EQ(window().currentPage(), window().dropZone());
 }
 
 } // namespace
