@@ -124,10 +124,10 @@ TEST_F(CliOutcomeTest, CountsAreTheWrittenTracksAndAPartlyUntranslatedRunSaysSo)
 TEST_F(CliOutcomeTest, SaysWhichCuesToLookAtByNumberAndTimeAndStaysQuietWhenAllIsWell) {
     const auto output = [this](const ChatCompletionsServer* server, const QStringList& arguments,
                                int status = 0) {
-        const QStringList engine =
-            server ? QStringList{u"--provider"_s,   u"local"_s,   u"--base-url"_s,
-                                 server->baseUrl(), u"--model"_s, u"m"_s}
-                   : QStringList{u"--provider"_s, u"echo"_s};
+        QStringList engine{u"--provider"_s, u"echo"_s};
+        if (server)
+            engine = {u"--provider"_s,   u"local"_s,   u"--base-url"_s,
+                      server->baseUrl(), u"--model"_s, u"m"_s};
         const CliOutcome outcome = run(engine + arguments + QStringList{u"--no-cache"_s});
         EXPECT_EQ(outcome.status, status) << outcome.err.toStdString();
         return outcome.out;
