@@ -5,7 +5,7 @@
 #include <QString>
 
 namespace velto {
-class FFmpeg;
+struct FFmpeg;
 class Glossary;
 } // namespace velto
 

@@ -10,7 +10,7 @@
 
 namespace velto {
 
-class FFmpeg;
+struct FFmpeg;
 
 // The candidate names of the track a job would translate, before anything is sent: what the
 // list «Nombres y términos» starts from.
