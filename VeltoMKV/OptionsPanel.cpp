@@ -2,8 +2,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDir>
-#include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -26,14 +24,8 @@
 namespace velto {
 namespace {
 
-// Where a toggle's text starts, so what belongs to it lines up under that text.
-// What the cached translations take on disk.
 qint64 cacheBytes() {
-    qint64 bytes = 0;
-    const QDir folder(Preferences::cacheDirectory());
-    for (const QFileInfo& file : folder.entryInfoList({QStringLiteral("*.json")}, QDir::Files))
-        bytes += file.size();
-    return bytes;
+    return TranslationCache::diskBytes(Preferences::cacheDirectory());
 }
 
 // "2,0 kB", "1,3 MB": units as a file manager writes them.

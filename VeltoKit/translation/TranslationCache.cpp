@@ -72,6 +72,12 @@ void appendJsonString(QByteArray& out, const QString& text) {
     out += '"';
 }
 
+QFileInfoList cacheFiles(const QString& directory) {
+    QFileInfoList files = QDir(directory).entryInfoList(QDir::Files | QDir::Hidden | QDir::System);
+    files.removeIf([](const QFileInfo& file) { return file.suffix() != u"json"; });
+    return files;
+}
+
 } // namespace
 
 TranslationCache::TranslationCache(QString path, QString scope)
@@ -146,13 +152,16 @@ bool TranslationCache::write() const {
     return file.write(bytes) == bytes.size() && file.commit();
 }
 
+qint64 TranslationCache::diskBytes(const QString& directory) {
+    qint64 bytes = 0;
+    for (const QFileInfo& file : cacheFiles(directory))
+        bytes += file.size();
+    return bytes;
+}
+
 void TranslationCache::clearAll(const QString& directory) {
-    QDir dir(directory);
-    const QFileInfoList files = dir.entryInfoList(QDir::Files | QDir::Hidden | QDir::System);
-    for (const QFileInfo& file : files) {
-        if (file.suffix() == u"json")
-            QFile::remove(file.absoluteFilePath());
-    }
+    for (const QFileInfo& file : cacheFiles(directory))
+        QFile::remove(file.absoluteFilePath());
 }
 
 } // namespace velto

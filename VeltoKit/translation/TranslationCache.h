@@ -43,7 +43,10 @@ public:
     // flush(), unless the last one was less than flushInterval before `now`.
     void flushIfDue(Clock::time_point now);
 
-    // Removes every file of `directory` whose extension is exactly "json"; skips what it cannot.
+    // The cache files of `directory` are those whose extension is exactly "json": what is
+    // measured is what clearing removes.
+    static qint64 diskBytes(const QString& directory);
+    // Removes them; skips what it cannot.
     static void clearAll(const QString& directory);
 
 private:

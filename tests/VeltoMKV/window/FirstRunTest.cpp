@@ -319,7 +319,7 @@ TEST_F(FirstRunTest, OptionsTurnOnlyWithFocusAndEmptyTheCacheAfterAsking) {
         file.write(QByteArray(2048, 'x'));
     };
     write(u"peli.json"_s);
-    for (const QString& other : {u"notas.txt"_s, u"c.json.bak"_s})
+    for (const QString& other : {u"notas.txt"_s, u"c.json.bak"_s, u"b.JSON"_s})
         write(other);
     openReady(work.video(u"Movie.mkv"_s, {track(u"eng"_s)}));
     window().jobView()->optionsDisclosure()->click();
@@ -357,7 +357,7 @@ TEST_F(FirstRunTest, OptionsTurnOnlyWithFocusAndEmptyTheCacheAfterAsking) {
         EXPECT_EQ(cache.exists(u"peli.json"_s), !emptied) << answer.toStdString();
     }
     EXPECT_EQ(cache.entryList(QDir::Files, QDir::Name),
-              (QStringList{u"c.json.bak"_s, u"notas.txt"_s}));
+              (QStringList{u"b.JSON"_s, u"c.json.bak"_s, u"notas.txt"_s}));
     EXPECT_EQ(options->cacheSize()->text(), u"La caché está vacía."_s);
     EXPECT_FALSE(options->emptyCacheButton()->isEnabled());
     for (const QString& other : cache.entryList(QDir::Files))
