@@ -10,7 +10,9 @@ namespace velto::Secrets {
 
 namespace {
 
-constexpr qsizetype shortestKey = 4;
+// Hosted services' keys are far longer; a local server's placeholder key ("clave", "local") is
+// no secret, and hiding it would garble the program's own sentences that contain the word.
+constexpr qsizetype shortestKey = 8;
 const QString marker = QStringLiteral("[clave oculta]");
 
 struct Remembered {
