@@ -1,5 +1,4 @@
 #include <QFile>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <gtest/gtest.h>
@@ -28,17 +27,6 @@ protected:
                            u"--model"_s,    u"m"_s,         u"--price"_s,    u"3,15"_s,
                            u"--json"_s,     u"--no-cache"_s} +
                more;
-    }
-
-    // The events of one type, in order.
-    static QList<QJsonObject> events(const QString& out, const QString& type) {
-        QList<QJsonObject> found;
-        for (const QString& line : out.split(u'\n', Qt::SkipEmptyParts)) {
-            const QJsonObject event = QJsonDocument::fromJson(line.toUtf8()).object();
-            if (event[u"type"_s] == type)
-                found.append(event);
-        }
-        return found;
     }
 
     ChatCompletionsServer m_server{{.key = {}, .reportUsage = true}};

@@ -63,11 +63,14 @@ protected:
         return finish();
     }
 
-    // The JSON lines of an output, one object each.
-    static QList<QJsonObject> events(const QString& out) {
+    // The JSON lines of an output, one object each; with a type, only the events of that type.
+    static QList<QJsonObject> events(const QString& out, const QString& type = {}) {
         QList<QJsonObject> objects;
-        for (const QString& line : out.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
-            objects.append(QJsonDocument::fromJson(line.toUtf8()).object());
+        for (const QString& line : out.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+            const QJsonObject event = QJsonDocument::fromJson(line.toUtf8()).object();
+            if (type.isEmpty() || event[QLatin1String("type")] == type)
+                objects.append(event);
+        }
         return objects;
     }
 

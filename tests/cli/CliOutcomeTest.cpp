@@ -24,14 +24,6 @@ const QStringList english = {u"Where did you put the keys?"_s,  u"I left them on
 
 struct CliRun : CliOutcome {
     QList<QJsonObject> events;
-
-    QJsonObject result() const {
-        for (const QJsonObject& event : events) {
-            if (event[u"type"] == u"result"_s)
-                return event;
-        }
-        return {};
-    }
 };
 
 // veltomkv-cli against a model on this machine.
@@ -82,7 +74,7 @@ TEST_F(CliOutcomeTest, AnEngineThatFailsEveryBatchFailsTheJobSoonAndWritesNothin
     EXPECT_EQ(failed.status, 1) << failed.out.toStdString();
     EXPECT_TRUE(failed.err.contains(u"503"_s)) << failed.err.toStdString();
     EXPECT_FALSE(QFileInfo::exists(path(u"Salida.mkv"_s)));
-    EXPECT_TRUE(failed.result().isEmpty());
+    EXPECT_TRUE(events(failed.out, u"result"_s).isEmpty());
     // Three batches of two; the engine's own retries aside, it is asked a handful of times.
     EXPECT_LE(server.hits(), 1 + 3 * 3) << server.hits();
 }
@@ -109,8 +101,9 @@ TEST_F(CliOutcomeTest, CountsAreTheWrittenTracksAndAPartlyUntranslatedRunSaysSo)
     const CliRun fixed =
         translate(fixable.baseUrl(), u"Arreglada.mkv"_s, {u"--batch-size"_s, u"1"_s});
     EXPECT_EQ(fixed.status, 0) << fixed.err.toStdString();
-    EXPECT_EQ(fixed.result()[u"translated"], 6) << fixed.out.toStdString();
-    EXPECT_EQ(fixed.result()[u"failed"], 0);
+    const QJsonObject result = events(fixed.out, u"result"_s).value(0);
+    EXPECT_EQ(result[u"translated"], 6) << fixed.out.toStdString();
+    EXPECT_EQ(result[u"failed"], 0);
     expectProgressMovesForward(fixed);
 
     const QString track = MediaFixtures::subtitleText(path(u"Arreglada.mkv"_s), 1);
@@ -149,11 +142,9 @@ TEST_F(CliOutcomeTest, SaysWhichCuesToLookAtByNumberAndTimeAndStaysQuietWhenAllI
                               u"    1 subtítulo quedó vacío o incompleto: #4 (0:03).\n"_s) > done)
         << human.toStdString();
 
-    QJsonArray findings;
-    for (const QJsonObject& event : events(output(&server, {u"--json"_s, movie}, 3))) {
-        if (event[u"type"] == u"quality"_s)
-            findings = event[u"findings"].toArray();
-    }
+    const QJsonArray findings = events(output(&server, {u"--json"_s, movie}, 3), u"quality"_s)
+                                    .value(0)[u"findings"]
+                                    .toArray();
     EXPECT_EQ(findings, (QJsonArray{QJsonObject{{u"category"_s, u"untranslated"_s},
                                                 {u"cue"_s, 2},
                                                 {u"start"_s, 1500},
