@@ -24,6 +24,7 @@
 namespace velto {
 namespace {
 
+// What the cached translations take on disk.
 qint64 cacheBytes() {
     return TranslationCache::diskBytes(Preferences::cacheDirectory());
 }
@@ -47,6 +48,7 @@ QString outputsLabel(JobOutputs outputs) {
     return {};
 }
 
+// Where a toggle's text starts, so what belongs to it lines up under that text.
 int textIndent(QCheckBox* toggle) {
     QStyleOptionButton option;
     option.initFrom(toggle);
