@@ -55,14 +55,9 @@ GlossaryReview::Outcome GlossaryReview::run(const SubtitleDocument& document,
         return respects(texts[k], text) && !QualityCheck::isUntranslated(texts[k], text) &&
                !QualityCheck::isLost(texts[k], text) && !QualityCheck::carriesExtra(texts[k], text);
     };
-    const auto report = [&](qint64 done) {
-        if (onProgress)
-            onProgress(done, wrong.size());
-    };
-    report(0);
     const QList<std::optional<QString>> answers =
         SingleCueTranslator(m_translator, m_backend, m_concurrency)
-            .translate(asked, wrong, report, std::move(stop), holdsUp);
+            .translate(asked, wrong, onProgress, std::move(stop), holdsUp);
 
     Outcome outcome;
     QList<qsizetype> named;

@@ -85,15 +85,10 @@ QualityReview::Outcome QualityReview::run(const SubtitleDocument& document,
     std::set<qsizetype> untranslated;
     if (!again.empty()) {
         const QList<qsizetype> positions(again.cbegin(), again.cend());
-        const auto report = [&](qint64 asked) {
-            if (onProgress)
-                onProgress(asked, positions.size());
-        };
-        report(0);
         const QList<std::optional<QString>> answers =
             SingleCueTranslator(m_translator, m_backend, m_concurrency)
                 .translate(
-                    texts, positions, report, std::move(stop),
+                    texts, positions, onProgress, std::move(stop),
                     [&](qsizetype k, const QString& answer) { return holdsUp(texts[k], answer); });
         for (qsizetype i = 0; i < positions.size(); ++i) {
             const qsizetype k = positions[i];

@@ -33,6 +33,8 @@ QList<std::optional<QString>> SingleCueTranslator::translate(const QStringList& 
     BoundedTasks tasks(m_concurrency);
     std::mutex mutex;
     qint64 asked = 0;
+    if (onProgress)
+        onProgress(asked, positions.size());
     FailureStreak streak(Translator::failuresToStop(m_concurrency));
     auto askOne = [&](qsizetype k, std::stop_token shared) {
         try {
@@ -50,7 +52,7 @@ QList<std::optional<QString>> SingleCueTranslator::translate(const QStringList& 
         }
         const std::lock_guard lock(mutex);
         if (onProgress)
-            onProgress(++asked);
+            onProgress(++asked, positions.size());
     };
     tasks.run(positions.size(), askOne, std::move(stop));
     return answers;

@@ -19,9 +19,9 @@ class Translator;
 // once.
 class SingleCueTranslator {
 public:
-    // Called after every answered request with how many were answered so far, one call at a
-    // time.
-    using ProgressHandler = std::function<void(qint64 asked)>;
+    // Called with 0 before the first request, then after every answered one with how many were
+    // answered so far, out of `count`; one call at a time.
+    using ProgressHandler = std::function<void(qint64 asked, qint64 count)>;
     // Whether the answer for the text at `position` is one to keep.
     using Judge = std::function<bool(qsizetype position, const QString& answer)>;
 

@@ -208,8 +208,9 @@ TEST_F(TranslatorTest, SingleCuesKeepOnlyWholeAnswersAndStopQuietlyAtAFatalError
     QList<qint64> progress;
     EXPECT_EQ(SingleCueTranslator(translator, engine(), 1)
                   .translate(texts, {0, 1, 2, 3, 4, 5},
-                             [&](qint64 asked) { progress.append(asked); }, {}),
+                             [&](qint64 asked, qint64) { progress.append(asked); }, {}),
               (QList<std::optional<QString>>{{}, {}, u"UNO"_s, {}, {}, {}}));
-    EXPECT_EQ(progress, (QList<qint64>{1, 2, 3, 4, 5})) << "nothing is asked after a fatal error";
+    EXPECT_EQ(progress, (QList<qint64>{0, 1, 2, 3, 4, 5}))
+        << "nothing is asked after a fatal error";
     EXPECT_EQ(prompts.value(2), translator.prompt(texts, {2}));
 }
