@@ -84,16 +84,7 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
 
     // The options, folded: the first glance goes file, track, engine, start.
     auto* disclosureRow = new QHBoxLayout();
-    m_disclosure = new QToolButton(this);
-    m_disclosure->setText(QStringLiteral("Opciones"));
-    m_disclosure->setCheckable(true);
-    m_disclosure->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_disclosure->setArrowType(Qt::RightArrow);
-    m_disclosure->setAutoRaise(true);
-    // Flat, but the keyboard still sees where it is.
-    m_disclosure->setStyleSheet(QStringLiteral(
-        "QToolButton { border: 1px solid transparent; border-radius: 4px; padding: 2px 4px; }"
-        "QToolButton:focus { border-color: palette(highlight); }"));
+    m_disclosure = Look::disclosure(QStringLiteral("Opciones"), this);
     disclosureRow->addWidget(m_disclosure, 0, Qt::AlignLeft);
     disclosureRow->addSpacing(Look::rowGap);
     m_optionsSummary = new ElidingLabel(this, Qt::ElideRight);
@@ -104,7 +95,6 @@ JobView::JobView(AppState& state, Preferences& preferences, SettingsPresenter& s
     m_options->setVisible(false);
     layout->addWidget(m_options);
     connect(m_disclosure, &QToolButton::toggled, this, [this](bool open) {
-        m_disclosure->setArrowType(open ? Qt::DownArrow : Qt::RightArrow);
         m_options->setVisible(open);
         m_optionsSummary->setVisible(!open);
     });

@@ -8,6 +8,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStyle>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace velto::Look {
@@ -81,6 +82,23 @@ QPushButton* quietButton(const QString& text, QWidget* parent) {
         QStringLiteral("QPushButton { border: none; background: transparent; color: palette(link); "
                        "padding: 4px 2px; }"
                        "QPushButton:hover, QPushButton:focus { text-decoration: underline; }"));
+    return button;
+}
+
+QToolButton* disclosure(const QString& text, QWidget* parent) {
+    auto* button = new QToolButton(parent);
+    button->setText(text);
+    button->setCheckable(true);
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setArrowType(Qt::RightArrow);
+    button->setAutoRaise(true);
+    // Flat, but the keyboard still sees where it is.
+    button->setStyleSheet(QStringLiteral(
+        "QToolButton { border: 1px solid transparent; border-radius: 4px; padding: 2px 4px; }"
+        "QToolButton:focus { border-color: palette(highlight); }"));
+    QObject::connect(button, &QToolButton::toggled, button, [button](bool open) {
+        button->setArrowType(open ? Qt::DownArrow : Qt::RightArrow);
+    });
     return button;
 }
 

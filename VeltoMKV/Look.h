@@ -6,6 +6,7 @@
 
 class QLabel;
 class QScrollArea;
+class QToolButton;
 class QVBoxLayout;
 class QPushButton;
 class QWidget;
@@ -35,6 +36,8 @@ QPushButton* primaryButton(const QString& text, QWidget* parent);
 QPushButton* button(const QString& text, QWidget* parent);
 // A quiet action that reads like a link.
 QPushButton* quietButton(const QString& text, QWidget* parent);
+// A flat toggle with an arrow that points down while what it folds is open.
+QToolButton* disclosure(const QString& text, QWidget* parent);
 // A label showing a standard icon at text height, sharp at any scale.
 QLabel* iconLabel(const QIcon& icon, int size, QWidget* parent);
 // A frameless scrolling column for a page whose content may outgrow the window; its layout

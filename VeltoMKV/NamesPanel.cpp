@@ -34,15 +34,7 @@ NamesPanel::NamesPanel(AppState& state, QWidget* parent)
     layout->setSpacing(Look::rowGap / 2);
 
     auto* row = new QHBoxLayout();
-    m_disclosure = new QToolButton(this);
-    m_disclosure->setText(QStringLiteral("Nombres y términos"));
-    m_disclosure->setCheckable(true);
-    m_disclosure->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_disclosure->setArrowType(Qt::RightArrow);
-    m_disclosure->setAutoRaise(true);
-    m_disclosure->setStyleSheet(QStringLiteral(
-        "QToolButton { border: 1px solid transparent; border-radius: 4px; padding: 2px 4px; }"
-        "QToolButton:focus { border-color: palette(highlight); }"));
+    m_disclosure = Look::disclosure(QStringLiteral("Nombres y términos"), this);
     row->addWidget(m_disclosure, 0, Qt::AlignLeft);
     row->addSpacing(Look::rowGap);
     m_summary = new ElidingLabel(this, Qt::ElideRight);
@@ -80,7 +72,6 @@ NamesPanel::NamesPanel(AppState& state, QWidget* parent)
     layout->addWidget(m_body);
 
     connect(m_disclosure, &QToolButton::toggled, this, [this](bool open) {
-        m_disclosure->setArrowType(open ? Qt::DownArrow : Qt::RightArrow);
         m_body->setVisible(open);
         // On a small screen the list opens below the fold; once laid out, bring it into view.
         if (open)
